@@ -1,0 +1,15 @@
+# The warnings and Qt switches that every target of the project compiles with.
+add_library(qs_flags INTERFACE)
+target_compile_options(qs_flags INTERFACE
+  -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wold-style-cast -Wnon-virtual-dtor
+  -Woverloaded-virtual -Werror)
+target_compile_definitions(qs_flags INTERFACE
+  QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_CAST_FROM_BYTEARRAY QT_NO_URL_CAST_FROM_STRING
+  QT_NO_KEYWORDS QT_NO_FOREACH QT_STRICT_ITERATORS QT_NO_NARROWING_CONVERSIONS_IN_CONNECT
+  QS_VERSION="${PROJECT_VERSION}")
+
+if(QS_SANITIZE)
+  target_compile_options(qs_flags INTERFACE
+    -fsanitize=${QS_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_link_options(qs_flags INTERFACE -fsanitize=${QS_SANITIZE})
+endif()
