@@ -1,0 +1,288 @@
+#include "QSPageLayout.h"
+
+#include "QSBlockStyle.h"
+
+#include <QFontMetricsF>
+#include <QHash>
+#include <QImage>
+#include <QPainter>
+#include <QTextLayout>
+#include <QTextOption>
+
+#include <algorithm>
+#include <utility>
+#include <vector>
+
+namespace {
+// Text is set in tenths of a point: the font system rounds sizes to whole units (12.5 points would
+// become 13) and metrics to 1/64 unit.
+constexpr int unitsPerPoint = 10;
+constexpr qreal frameWidth = QSPageLayout::pageSize.width() - 2 * QSPageLayout::margin;
+constexpr qreal frameHeight = QSPageLayout::pageSize.height() - 2 * QSPageLayout::margin;
+constexpr QSBlockStyle footStyle{.name = u"Foot", .size = 9, .centred = true, .grey = true};
+constexpr qreal footBaseline = QSPageLayout::pageSize.height() - 40;
+/// What a sum of fractions may exceed the frame by before it counts as too long.
+constexpr qreal tolerance = 0.01;
+
+/// A device on which one unit is a tenth of a point, so that fonts resolve to that size whatever
+/// the screen's resolution is.
+QImage createMeasure()
+{
+    constexpr qreal inchesPerMeter = 1000 / 25.4;
+    QImage device(1, 1, QImage::Format_ARGB32_Premultiplied);
+    device.setDotsPerMeterX(qRound(72 * unitsPerPoint * inchesPerMeter));
+    device.setDotsPerMeterY(qRound(72 * unitsPerPoint * inchesPerMeter));
+    return device;
+}
+
+/// The first is metric for metric the second, and free.
+QFont serif(qreal size, bool bold, bool italic)
+{
+    static const QImage measure = createMeasure();
+    QFont font(QStringList{QStringLiteral("Liberation Serif"), QStringLiteral("Times New Roman")});
+    font.setStyleHint(QFont::Serif);
+    font.setPointSizeF(size);
+    font.setBold(bold);
+    font.setItalic(italic);
+    font.setHintingPreference(QFont::PreferNoHinting);
+    font.setKerning(true);
+    return QFont(font, &measure);
+}
+
+QTextOption createOption(const QSBlockStyle &style)
+{
+    QTextOption option(style.centred ? Qt::AlignHCenter : Qt::AlignLeft);
+    option.setTextDirection(Qt::LayoutDirectionAuto);
+    option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+    option.setUseDesignMetrics(true);
+    // QTextLayout takes tabs in units of the default resolution, which a plain image has.
+    static const qreal tabUnit =
+        QImage(1, 1, QImage::Format_ARGB32_Premultiplied).logicalDpiX() / 72.0;
+    option.setTabStopDistance(blockTabDistance * tabUnit);
+    if (style.tabStops) {
+        QList<QTextOption::Tab> tabs;
+        for (const qreal stop : blockTabStops) {
+            tabs.append(QTextOption::Tab(stop * tabUnit, QTextOption::LeftTab));
+        }
+        option.setTabs(tabs);
+    }
+    return option;
+}
+
+/// A line's place in its block, in points.
+struct LineMetrics
+{
+    qreal height = 0;   ///< to the top of the next line
+    qreal baseline = 0; ///< below the line's own top
+};
+
+/// A block's lines. Equal blocks share one.
+struct SetBlock
+{
+    QTextLayout text;
+    std::vector<LineMetrics> lines;
+    QSBlockStyle style;
+};
+using SetBlockPtr = std::shared_ptr<const SetBlock>;
+
+struct PlacedLine
+{
+    const SetBlock *block = nullptr;
+    std::size_t line = 0;
+    qreal baseline = 0; ///< below the top of the text frame, in points
+
+    bool operator==(const PlacedLine &) const = default;
+};
+using Page = std::vector<PlacedLine>;
+
+/// One kind of block, ready to set: fonts and options are costly to make for every block.
+struct Setter
+{
+    explicit Setter(const QSBlockStyle &blockStyle)
+        : style(blockStyle),
+          font(serif(style.size, style.bold, style.italic)),
+          option(createOption(style)),
+          rightToLeftOption(option),
+          metrics(font)
+    {
+        if (!style.centred) {
+            rightToLeftOption.setAlignment(Qt::AlignRight);
+        }
+    }
+
+    /// Lines keep the even distance of their kind's own font, also where a name in another script
+    /// takes letters from another one; only letters too tall for that make a line higher. The
+    /// extra height is above the line, as is the font's line gap: a line's bottom is its descent.
+    [[nodiscard]] LineMetrics measure(const QTextLine &line) const
+    {
+        const qreal natural = metrics.ascent() + metrics.descent() + metrics.leading();
+        const qreal ascent = std::max(metrics.ascent(), line.ascent());
+        const qreal descent = std::max(metrics.descent(), line.descent());
+        const qreal height = std::max(blockLineHeight * natural, ascent + descent);
+        return {.height = height / unitsPerPoint, .baseline = (height - descent) / unitsPerPoint};
+    }
+
+    [[nodiscard]] SetBlockPtr set(const QString &flow) const
+    {
+        auto block = std::make_shared<SetBlock>();
+        block->style = style;
+        QTextLayout &text = block->text;
+        text.setFont(font);
+        text.setTextOption(flow.isRightToLeft() ? rightToLeftOption : option);
+        text.setText(flow);
+        text.beginLayout();
+        for (QTextLine line = text.createLine(); line.isValid(); line = text.createLine()) {
+            line.setLineWidth(frameWidth * unitsPerPoint);
+            block->lines.push_back(measure(line));
+        }
+        text.endLayout();
+        return block;
+    }
+
+    QSBlockStyle style;
+    QFont font;
+    QTextOption option;
+    QTextOption rightToLeftOption; ///< for texts that begin in Arabic or Hebrew
+    QFontMetricsF metrics;
+};
+
+/// From the top of a block to the end of the next one's first line.
+qreal heightWithNext(const SetBlock &block, const SetBlock &next)
+{
+    qreal height = block.style.after + next.style.before + next.lines.front().height;
+    for (const LineMetrics &line : block.lines) {
+        height += line.height;
+    }
+    return height;
+}
+
+void drawLine(QPainter &painter, const SetBlock &block, std::size_t index, qreal baseline)
+{
+    const QTextLine line = block.text.lineAt(static_cast<int>(index));
+    painter.save();
+    painter.setPen(block.style.grey ? blockGrey : blockBlack);
+    painter.translate(QSPageLayout::margin, baseline);
+    painter.scale(1.0 / unitsPerPoint, 1.0 / unitsPerPoint);
+    line.draw(&painter, {0, -line.ascent()});
+    painter.restore();
+}
+} // namespace
+
+static size_t qHash(const QSBlock &block, size_t seed)
+{
+    return qHashMulti(seed, static_cast<int>(block.kind), block.cells);
+}
+
+struct QSPageLayout::Private
+{
+    [[nodiscard]] SetBlockPtr setBlock(const QSBlock &block) const;
+    void placeBlock(const SetBlock &block, const SetBlock *next);
+    void drawFoot(QPainter &painter, int page) const;
+
+    std::vector<Setter> setters{blockStyles.begin(), blockStyles.end()};
+    Setter footSetter{footStyle};
+    QHash<QSBlock, SetBlockPtr> sets; ///< the lines of every block of the document
+    std::vector<Page> pages{1};
+    std::vector<Place> places; ///< of the blocks
+    int firstChanged = 0;
+    qreal bottom = 0; ///< of what stands on the last page, space below it included
+};
+
+SetBlockPtr QSPageLayout::Private::setBlock(const QSBlock &block) const
+{
+    if (SetBlockPtr known = sets.value(block)) {
+        return known;
+    }
+    return setters[static_cast<std::size_t>(block.kind)].set(blockFlow(block));
+}
+
+/// Adds a block's lines below what stands on the last page, on as many pages as they need. A page
+/// takes at least one line, however tall, so this ends. Space above a block vanishes at the top of
+/// a page: the first line of every page stands at the same height.
+void QSPageLayout::Private::placeBlock(const SetBlock &block, const SetBlock *next)
+{
+    bottom = pages.back().empty() ? 0 : bottom + block.style.before;
+    if (next != nullptr && block.style.keepWithNext && !pages.back().empty() &&
+        bottom + heightWithNext(block, *next) > frameHeight + tolerance) {
+        pages.emplace_back();
+        bottom = 0;
+    }
+    for (std::size_t i = 0; i < block.lines.size(); ++i) {
+        const LineMetrics &line = block.lines[i];
+        if (!pages.back().empty() && bottom + line.height > frameHeight + tolerance) {
+            pages.emplace_back();
+            bottom = 0;
+        }
+        const int page = static_cast<int>(pages.size()) - 1;
+        if (i == 0) {
+            places.push_back({.page = page, .top = margin + bottom});
+        }
+        pages.back().push_back({&block, i, bottom + line.baseline});
+        bottom += line.height;
+        if (places.back().page == page) {
+            places.back().bottom = margin + bottom;
+        }
+    }
+    bottom += block.style.after;
+}
+
+void QSPageLayout::Private::drawFoot(QPainter &painter, int page) const
+{
+    const QString text = QStringLiteral("Page %1 of %2")
+                             .arg(QString::number(page + 1), QString::number(pages.size()));
+    drawLine(painter, *footSetter.set(text), 0, footBaseline);
+}
+
+QSPageLayout::QSPageLayout() : d(std::make_unique<Private>()) {}
+QSPageLayout::~QSPageLayout() = default;
+QSPageLayout::QSPageLayout(QSPageLayout &&) noexcept = default;
+QSPageLayout &QSPageLayout::operator=(QSPageLayout &&) noexcept = default;
+
+void QSPageLayout::update(const QSRendered &rendered)
+{
+    // The former lines live until the pages are compared: a line is known by its block's address.
+    const std::vector<Page> formerPages = std::exchange(d->pages, std::vector<Page>(1));
+    QHash<QSBlock, SetBlockPtr> sets;
+    sets.reserve(rendered.blocks.size());
+    std::vector<const SetBlock *> inOrder;
+    for (const QSBlock &block : rendered.blocks) {
+        SetBlockPtr &set = sets[block];
+        if (!set) {
+            set = d->setBlock(block);
+        }
+        inOrder.push_back(set.get());
+    }
+    d->places.clear();
+    for (std::size_t i = 0; i < inOrder.size(); ++i) {
+        d->placeBlock(*inOrder[i], i + 1 < inOrder.size() ? inOrder[i + 1] : nullptr);
+    }
+
+    const auto differing = std::ranges::mismatch(d->pages, formerPages).in1;
+    // Every page's foot names the count.
+    const bool sameCount = d->pages.size() == formerPages.size();
+    d->firstChanged = sameCount ? static_cast<int>(differing - d->pages.begin()) : 0;
+    d->sets.swap(sets);
+}
+
+int QSPageLayout::pageCount() const
+{
+    return static_cast<int>(d->pages.size());
+}
+
+int QSPageLayout::firstChangedPage() const
+{
+    return d->firstChanged;
+}
+
+QSPageLayout::Place QSPageLayout::placeOfBlock(int block) const
+{
+    return d->places.at(static_cast<std::size_t>(block));
+}
+
+void QSPageLayout::drawPage(QPainter &painter, int page) const
+{
+    for (const PlacedLine &line : d->pages.at(static_cast<std::size_t>(page))) {
+        drawLine(painter, *line.block, line.line, margin + line.baseline);
+    }
+    d->drawFoot(painter, page);
+}
