@@ -1,0 +1,6 @@
+#include "QSEntry.h"
+
+QString QSEntry::displayTitle() const
+{
+    return number.isEmpty() ? title : number + QStringLiteral(" \u2014 ") + title;
+}

@@ -1,0 +1,13 @@
+#include "QSHosts.h"
+
+#include <QUrl>
+
+#include <algorithm>
+
+namespace QSHosts {
+bool isBotProtected(const QString &url)
+{
+    const QString host = QUrl(url).host(); // QUrl gives hosts in lower case
+    return std::ranges::find(botProtected, host) != botProtected.end();
+}
+} // namespace QSHosts
