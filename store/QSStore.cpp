@@ -1,0 +1,360 @@
+#include "QSStore.h"
+
+#include "QSDatabaseFile.h"
+#include "QSError.h"
+#include "QSInfo.h"
+#include "QSTemplates.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QSaveFile>
+#include <QUuid>
+
+#include <algorithm>
+#include <cmath>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+QString preparedPath(const QUrl &url)
+{
+    if (!url.isLocalFile()) {
+        throw QSError::invalid(u"\"%1\" is not a file on this computer."_s.arg(url.toString()));
+    }
+    QSDatabaseFile::prepare(url.toLocalFile());
+    return url.toLocalFile();
+}
+
+std::unique_ptr<QSStore> &sharedStore()
+{
+    static std::unique_ptr<QSStore> store;
+    return store;
+}
+
+/// A column of seconds since 1970 as a point in time, to the millisecond. A file from elsewhere
+/// may hold any number; the limit is some 300,000 years away.
+QDateTime pointInTime(const SQLRow &row, const QString &column)
+{
+    constexpr double limit = 1e13;
+    const double seconds = std::clamp(row.doubleValue(column).value_or(0), -limit, limit);
+    return QDateTime::fromMSecsSinceEpoch(std::llround(seconds * 1000), Qt::UTC);
+}
+
+QSDocument documentFrom(const SQLRow &row)
+{
+    return {.id = row.intValue(u"id"_s),
+            .templateID = row.string(u"template_id"_s),
+            .templateVersion = row.string(u"template_version"_s),
+            .title = row.string(u"title"_s),
+            .values = QSDocument::valuesFromJSON(row.string(u"values_json"_s).toUtf8()),
+            .state = row.string(u"state"_s),
+            .created = pointInTime(row, u"created"_s),
+            .modified = pointInTime(row, u"modified"_s)};
+}
+
+QSFilledPDF filledPDFFrom(const SQLRow &row)
+{
+    return {.id = row.intValue(u"id"_s),
+            .entryID = row.string(u"entry_id"_s),
+            .title = row.string(u"title"_s),
+            .fileName = row.string(u"file_name"_s),
+            .created = pointInTime(row, u"created"_s),
+            .modified = pointInTime(row, u"modified"_s)};
+}
+
+QSLinkCheck linkCheckFrom(const SQLRow &row)
+{
+    return {.url = row.string(u"url"_s),
+            .checked = pointInTime(row, u"checked"_s),
+            .status = static_cast<int>(row.intValue(u"status"_s).value_or(0)),
+            .ok = row.boolValue(u"ok"_s),
+            .finalURL = row.string(u"final_url"_s),
+            .contentType = row.string(u"content_type"_s),
+            .note = row.string(u"note"_s)};
+}
+
+template <typename Record>
+QList<Record> records(SQLStatement statement, Record (*from)(const SQLRow &))
+{
+    QList<Record> all;
+    while (statement.step()) {
+        all.append(from(statement.row()));
+    }
+    return all;
+}
+
+/// Where a filled PDF is. Whatever the record says, it is a file of that one folder.
+QString filledPath(const QString &fileName)
+{
+    return QSInfo::filledFolder().filePath(QFileInfo(fileName).fileName());
+}
+
+void writePDF(const QString &path, const QByteArray &data)
+{
+    QSaveFile file(path);
+    const bool written = file.open(QIODevice::WriteOnly) &&
+                         file.setPermissions(QFile::ReadOwner | QFile::WriteOwner) &&
+                         file.write(data) == data.size() && file.commit();
+    if (!written) {
+        throw QSError::invalid(u"The PDF could not be saved: "_s + file.errorString());
+    }
+}
+} // namespace
+
+QString QSDocument::valuesToJSON(const QMap<QString, QString> &values)
+{
+    QJsonObject object;
+    for (auto value = values.cbegin(); value != values.cend(); ++value) {
+        object.insert(value.key(), value.value());
+    }
+    return QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Compact));
+}
+
+QMap<QString, QString> QSDocument::valuesFromJSON(const QByteArray &json)
+{
+    const QJsonObject object = QJsonDocument::fromJson(json).object();
+    QMap<QString, QString> values;
+    for (auto value = object.begin(); value != object.end(); ++value) {
+        if (!value->isString()) {
+            return {};
+        }
+        values.insert(values.cend(), value.key(), value->toString());
+    }
+    return values;
+}
+
+QSStore::QSStore(const QUrl &url) : m_db(preparedPath(url)), m_url(url)
+{
+    createSchema();
+    createSearchIndex();
+}
+
+QSStore::~QSStore() = default;
+
+QSStore *QSStore::shared()
+{
+    return sharedStore().get();
+}
+
+void QSStore::setShared(std::unique_ptr<QSStore> store)
+{
+    sharedStore() = std::move(store);
+}
+
+void QSStore::touch()
+{
+    ++m_revision;
+    Q_EMIT revisionChanged(m_revision);
+}
+
+void QSStore::createSchema()
+{
+    m_db.exec(
+        u"PRAGMA application_id = %1;\n"
+        "PRAGMA journal_mode = WAL;\n"
+        "CREATE TABLE IF NOT EXISTS profile (key TEXT PRIMARY KEY, value TEXT NOT NULL);\n"
+        "CREATE TABLE IF NOT EXISTS documents (id INTEGER PRIMARY KEY, template_id TEXT NOT NULL, "
+        "template_version TEXT NOT NULL,\n"
+        "    title TEXT NOT NULL, values_json TEXT NOT NULL, state TEXT NOT NULL DEFAULT '', "
+        "created REAL NOT NULL, modified REAL NOT NULL);\n"
+        "CREATE TABLE IF NOT EXISTS filled_pdfs (id INTEGER PRIMARY KEY, entry_id TEXT NOT NULL, "
+        "title TEXT NOT NULL,\n"
+        "    file_name TEXT NOT NULL UNIQUE, created REAL NOT NULL, modified REAL NOT NULL);\n"
+        "CREATE TABLE IF NOT EXISTS link_checks (url TEXT PRIMARY KEY, checked REAL NOT NULL, "
+        "status INTEGER NOT NULL, ok INTEGER NOT NULL,\n"
+        "    final_url TEXT NOT NULL DEFAULT '', content_type TEXT NOT NULL DEFAULT '', note TEXT "
+        "NOT NULL DEFAULT '');\n"
+        "PRAGMA user_version = %2;"_s.arg(applicationID)
+            .arg(schemaVersion));
+}
+
+QMap<QString, QString> QSStore::profile()
+{
+    QMap<QString, QString> profile;
+    const QList<SQLRow> rows = m_db.query(u"SELECT key, value FROM profile"_s);
+    for (const SQLRow &row : rows) {
+        profile.insert(row.string(u"key"_s), row.string(u"value"_s));
+    }
+    return profile;
+}
+
+void QSStore::saveProfile(const QMap<QString, QString> &profile)
+{
+    m_db.transaction([&] {
+        m_db.run(u"DELETE FROM profile"_s);
+        for (auto answer = profile.cbegin(); answer != profile.cend(); ++answer) {
+            m_db.run(u"INSERT INTO profile (key, value) VALUES (?, ?)"_s,
+                     {answer.key(), answer.value()});
+        }
+    });
+    touch();
+}
+
+QList<QSDocument> QSStore::documents()
+{
+    return records(m_db.prepare(u"SELECT * FROM documents ORDER BY modified DESC, id DESC"_s),
+                   documentFrom);
+}
+
+std::optional<QSDocument> QSStore::document(qint64 id)
+{
+    const QList<SQLRow> rows = m_db.query(u"SELECT * FROM documents WHERE id = ?"_s, {id});
+    return rows.isEmpty() ? std::nullopt : std::optional(documentFrom(rows.first()));
+}
+
+QSDocument QSStore::save(const QSDocument &document)
+{
+    QSDocument draft = document;
+    // A text of the database ends at a NUL, so that none may stand in the title.
+    draft.title = draft.title.remove(QChar::Null).trimmed();
+    if (draft.title.isEmpty()) {
+        throw QSError::invalid(u"Give the document a name."_s);
+    }
+    const QSTemplate *form = QSTemplates::templateById(draft.templateID);
+    if (form == nullptr) {
+        throw QSError::invalid(
+            u"The template %1 is not in this version of the app."_s.arg(draft.templateID));
+    }
+    draft.templateVersion = form->version;
+    draft.modified = QDateTime::currentDateTimeUtc();
+
+    QSDocument saved;
+    bool indexing = false;
+    try {
+        m_db.transaction([&] {
+            saved = write(draft);
+            if (m_hasFTS5) {
+                indexing = true;
+                indexDocument(*saved.id);
+            }
+        });
+    } catch (const QSError &) {
+        if (!indexing) {
+            throw;
+        }
+        // The document counts for more than its search row, which the next start makes anew.
+        m_db.transaction([&] { saved = write(draft); });
+    }
+    touch();
+    return saved;
+}
+
+QSDocument QSStore::write(const QSDocument &draft)
+{
+    const QString json = QSDocument::valuesToJSON(draft.values);
+    std::optional<qint64> id = draft.id;
+    if (id) {
+        m_db.run(
+            u"UPDATE documents SET template_version=?, title=?, values_json=?, state=?, modified=? WHERE id=?"_s,
+            {draft.templateVersion, draft.title, json, draft.state, draft.modified, id});
+        if (m_db.changes() == 0) {
+            throw QSError::notFound();
+        }
+    } else {
+        id = m_db.run(
+            u"INSERT INTO documents (template_id, template_version, title, values_json, state, created, modified) VALUES (?,?,?,?,?,?,?)"_s,
+            {draft.templateID, draft.templateVersion, draft.title, json, draft.state,
+             draft.modified, draft.modified});
+    }
+    return this->document(*id).value();
+}
+
+void QSStore::deleteDocument(qint64 id)
+{
+    m_db.run(u"DELETE FROM documents WHERE id = ?"_s, {id});
+    try {
+        unindexDocument(id);
+    } catch (const QSError &) {
+        // A row too many in the index goes with the next start.
+    }
+    touch();
+}
+
+QList<QSFilledPDF> QSStore::filledPDFs()
+{
+    return records(m_db.prepare(u"SELECT * FROM filled_pdfs ORDER BY modified DESC, id DESC"_s),
+                   filledPDFFrom);
+}
+
+QSFilledPDF QSStore::saveFilledPDF(const QString &entryID, const QString &title,
+                                   const QByteArray &data,
+                                   const std::optional<QSFilledPDF> &replacing)
+{
+    if (!data.startsWith("%PDF")) {
+        throw QSError::invalid(u"That is not a PDF."_s);
+    }
+    const QDateTime now = QDateTime::currentDateTimeUtc();
+    QSFilledPDF record =
+        replacing ? replaceFilledPDF(*replacing, title, data, now)
+                  : insertFilledPDF(
+                        {.id = {},
+                         .entryID = entryID,
+                         .title = title,
+                         .fileName = QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper() +
+                                     u".pdf"_s,
+                         .created = now,
+                         .modified = now},
+                        data);
+    touch();
+    return record;
+}
+
+QSFilledPDF QSStore::replaceFilledPDF(const QSFilledPDF &replaced, const QString &title,
+                                      const QByteArray &data, const QDateTime &now)
+{
+    // The record as it is now: without it, nothing would ever lead back to the written file.
+    const QList<SQLRow> rows =
+        m_db.query(u"SELECT * FROM filled_pdfs WHERE id = ?"_s, {replaced.id});
+    if (rows.isEmpty()) {
+        throw QSError::notFound();
+    }
+    QSFilledPDF record = filledPDFFrom(rows.first());
+    record.title = title;
+    record.modified = now;
+    writePDF(filledPath(record.fileName), data);
+    m_db.run(u"UPDATE filled_pdfs SET title=?, modified=? WHERE id=?"_s,
+             {record.title, record.modified, record.id});
+    return record;
+}
+
+QSFilledPDF QSStore::insertFilledPDF(QSFilledPDF record, const QByteArray &data)
+{
+    const QString path = filledPath(record.fileName);
+    writePDF(path, data);
+    try {
+        record.id = m_db.run(
+            u"INSERT INTO filled_pdfs (entry_id, title, file_name, created, modified) VALUES (?,?,?,?,?)"_s,
+            {record.entryID, record.title, record.fileName, record.created, record.modified});
+    } catch (const QSError &) {
+        QFile::remove(path);
+        throw;
+    }
+    return record;
+}
+
+void QSStore::deleteFilledPDF(const QSFilledPDF &record)
+{
+    m_db.run(u"DELETE FROM filled_pdfs WHERE id = ?"_s, {record.id});
+    QFile::remove(filledPath(record.fileName));
+    touch();
+}
+
+void QSStore::recordLinkCheck(const QSLinkCheck &check)
+{
+    try {
+        m_db.run(
+            u"INSERT OR REPLACE INTO link_checks (url, checked, status, ok, final_url, content_type, note) VALUES (?,?,?,?,?,?,?)"_s,
+            {check.url, check.checked, check.status, check.ok, check.finalURL, check.contentType,
+             check.note});
+    } catch (const QSError &) {
+        // Not worth a message: the link counts as unchecked.
+    }
+}
+
+QList<QSLinkCheck> QSStore::linkChecks()
+{
+    return records(m_db.prepare(u"SELECT * FROM link_checks"_s), linkCheckFrom);
+}

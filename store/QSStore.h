@@ -1,0 +1,166 @@
+#pragma once
+
+#include "QSDatabaseFile.h"
+#include "SQLiteDB.h"
+
+#include <QDateTime>
+#include <QList>
+#include <QMap>
+#include <QObject>
+#include <QString>
+#include <QUrl>
+
+#include <memory>
+#include <optional>
+
+struct QSTemplate;
+
+/// A document made from a template. The id is absent until it is first saved.
+struct QSDocument
+{
+    std::optional<qint64> id;
+    QString templateID;
+    QString templateVersion; ///< the template's version at the last save
+    QString title;           ///< the user's name for it
+    QMap<QString, QString> values;
+    QString state; ///< code of the jurisdiction chosen for it, empty when none
+    QDateTime created;
+    QDateTime modified;
+
+    bool operator==(const QSDocument &) const = default;
+
+    /// The values as the database keeps them: a JSON object of texts.
+    [[nodiscard]] static QString valuesToJSON(const QMap<QString, QString> &values);
+    /// Empty for anything but an object of texts.
+    [[nodiscard]] static QMap<QString, QString> valuesFromJSON(const QByteArray &json);
+};
+
+/// A filled copy of an official form; the PDF is a file of its own in the "Filled PDFs" folder.
+struct QSFilledPDF
+{
+    std::optional<qint64> id;
+    QString entryID;
+    QString title;
+    QString fileName;
+    QDateTime created;
+    QDateTime modified;
+
+    bool operator==(const QSFilledPDF &) const = default;
+};
+
+/// What the latest check of an official link found.
+struct QSLinkCheck
+{
+    QString url;
+    QDateTime checked;
+    int status = 0;
+    bool ok = false;
+    QString finalURL;
+    QString contentType;
+    QString note;
+
+    bool operator==(const QSLinkCheck &) const = default;
+};
+
+/// One result of a search over forms, templates and documents.
+struct QSSearchHit
+{
+    enum class Kind { form, template_, document };
+
+    Kind kind = Kind::form;
+    QString ref; ///< entry id, template id, or the document's id in decimal
+    QString title;
+    QString snippet;
+
+    bool operator==(const QSSearchHit &) const = default;
+};
+
+/// The one documents database: profile, documents, records of filled PDFs, link checks, and the
+/// full-text index over them, the shipped forms and the templates.
+///
+/// It owns its connection. Main thread only. Failures are thrown as QSError, except where a
+/// function says otherwise. revision() rises with every change that screens show.
+class QSStore final : public QObject
+{
+    Q_OBJECT
+    Q_PROPERTY(int revision READ revision NOTIFY revisionChanged)
+
+public:
+    static constexpr qint64 applicationID = QSDatabaseFile::applicationID;
+    static constexpr int schemaVersion = 1;
+
+    /// Opens the database or creates it, for its owner's eyes only, and fills the search index
+    /// anew. A database of another program is refused and left as it was.
+    explicit QSStore(const QUrl &url);
+    ~QSStore() override;
+
+    /// The store that the program works on; null when no database could be opened.
+    [[nodiscard]] static QSStore *shared();
+    static void setShared(std::unique_ptr<QSStore> store);
+
+    [[nodiscard]] int revision() const { return m_revision; }
+    /// Tells the screens that what they show has changed.
+    void touch();
+    [[nodiscard]] SQLiteDB &db() { return m_db; }
+    [[nodiscard]] const QUrl &url() const { return m_url; }
+    /// False where SQLite comes without FTS5: all but the search works.
+    [[nodiscard]] bool hasFTS5() const { return m_hasFTS5; }
+
+    [[nodiscard]] QMap<QString, QString> profile();
+    void saveProfile(const QMap<QString, QString> &profile);
+
+    /// All documents, latest change first.
+    [[nodiscard]] QList<QSDocument> documents();
+    [[nodiscard]] std::optional<QSDocument> document(qint64 id);
+    /// Inserts or updates the document and its search row as one change, and returns it as saved.
+    QSDocument save(const QSDocument &document);
+    void deleteDocument(qint64 id);
+
+    /// All records, latest change first.
+    [[nodiscard]] QList<QSFilledPDF> filledPDFs();
+    /// Writes the PDF's bytes to the "Filled PDFs" folder and its record to the database; with a
+    /// record to replace, over that record's file. Throws QSError::notFound, with nothing written,
+    /// when that record is gone.
+    QSFilledPDF saveFilledPDF(const QString &entryID, const QString &title, const QByteArray &data,
+                              const std::optional<QSFilledPDF> &replacing = std::nullopt);
+    /// Deletes the record, then its file; a file that can't be removed is no failure.
+    void deleteFilledPDF(const QSFilledPDF &record);
+
+    /// Errors are ignored: a check that can't be recorded is checked again.
+    void recordLinkCheck(const QSLinkCheck &check);
+    [[nodiscard]] QList<QSLinkCheck> linkChecks();
+
+    /// Forms, templates and documents in which every word of the text begins a word, best first.
+    /// Empty for a text without letters or digits, without FTS5, and on any SQLite error.
+    [[nodiscard]] QList<QSSearchHit> search(const QString &text, int limit = 60);
+    /// The FTS5 expression for a user's text: only quoted prefixes of letters and digits, so that
+    /// nothing typed reaches FTS5's own syntax.
+    [[nodiscard]] static QString ftsQuery(const QString &text);
+    /// Fills the index from scratch, in a transaction of its own: directory, catalogue, documents.
+    /// Does nothing without FTS5.
+    void rebuildSearchIndex();
+
+Q_SIGNALS:
+    void revisionChanged(int revision);
+
+private:
+    void createSchema();
+    void createSearchIndex();
+    void indexForms();
+    void indexTemplates();
+    void indexDocuments();
+    void indexDocuments(SQLStatement documents);
+    void indexDocument(qint64 id);
+    void unindexDocument(qint64 id);
+
+    /// Writes the document's row; the document as the database now has it.
+    QSDocument write(const QSDocument &draft);
+    QSFilledPDF insertFilledPDF(QSFilledPDF record, const QByteArray &data);
+    QSFilledPDF replaceFilledPDF(const QSFilledPDF &replaced, const QString &title,
+                                 const QByteArray &data, const QDateTime &now);
+
+    SQLiteDB m_db;
+    QUrl m_url;
+    bool m_hasFTS5 = false;
+    int m_revision = 0;
+};
