@@ -1,0 +1,53 @@
+#pragma once
+
+#include "QSError.h"
+
+#include <QFutureWatcher>
+#include <QObject>
+#include <QPromise>
+#include <QThreadPool>
+
+#include <functional>
+#include <memory>
+#include <optional>
+
+/// Work away from the main thread, whose result comes back to it.
+namespace AsyncTask {
+/// What the work gave, or why it failed. One of the two is there.
+template <typename Result>
+struct Outcome
+{
+    std::optional<Result> result;
+    std::optional<QSError> error;
+};
+
+/// Runs the work on the global thread pool, then done on the context's thread. The work may throw
+/// QSError, which becomes the outcome; it must not touch the context. When the context is gone by
+/// then, the result is dropped with it.
+template <typename Result>
+void run(QObject *context, std::function<Result()> work,
+         std::function<void(const Outcome<Result> &)> done)
+{
+    auto promise = std::make_shared<QPromise<Outcome<Result>>>();
+    auto *watcher = new QFutureWatcher<Outcome<Result>>(context);
+    QObject::connect(watcher, &QFutureWatcherBase::finished, context,
+                     [watcher, done = std::move(done)] {
+                         watcher->deleteLater();
+                         done(watcher->result());
+                     });
+    watcher->setFuture(promise->future());
+    QThreadPool::globalInstance()->start([promise, work = std::move(work)] {
+        promise->start();
+        Outcome<Result> outcome;
+        try {
+            outcome.result = work();
+        } catch (const QSError &error) {
+            outcome.error = error;
+        } catch (const std::exception &error) {
+            outcome.error = QSError::invalid(QString::fromUtf8(error.what()));
+        }
+        promise->addResult(std::move(outcome));
+        promise->finish();
+    });
+}
+} // namespace AsyncTask

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+#include <QUrl>
+
+#include <optional>
+
+struct QSRendered;
+
+/// What the model needs of a person or a desktop: panels, questions, the browser, a printer. The
+/// interface gives the real one; tests answer with their own. Called on the main thread; each call
+/// returns when the person has answered.
+class QSDesktop
+{
+public:
+    /// A question with its buttons. The first button is the safe default; cancel is what closing
+    /// the question means.
+    struct Question
+    {
+        QString text;
+        QString detail; ///< may be empty
+        QStringList buttons;
+        int cancel = 0; ///< position of the button that changes nothing
+    };
+
+    QSDesktop() = default;
+    virtual ~QSDesktop() = default;
+    QSDesktop(const QSDesktop &) = delete;
+    QSDesktop &operator=(const QSDesktop &) = delete;
+
+    /// The path chosen in a save panel, which asks before it replaces a file; absent when
+    /// cancelled.
+    [[nodiscard]] virtual std::optional<QString> chooseSavePath(const QString &suggestedName) = 0;
+    /// Position of the button chosen.
+    [[nodiscard]] virtual int ask(const Question &question) = 0;
+    virtual void openInBrowser(const QUrl &url) = 0;
+    /// Shows the print panel and prints unless it is cancelled. Throws QSError when printing fails.
+    virtual void print(const QSRendered &rendered) = 0;
+};

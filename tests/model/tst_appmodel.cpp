@@ -1,0 +1,315 @@
+#include "AppModel.h"
+#include "AsyncTask.h"
+#include "FakeDesktop.h"
+#include "OfficeConverter.h"
+#include "QSDirectory.h"
+#include "QSTemplates.h"
+#include "ScratchUser.h"
+#include "SmallDisk.h"
+#include "TestFiles.h"
+
+#include <QSignalSpy>
+#include <QTest>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+// the buttons of the question about unsaved changes
+constexpr int save = 0;
+constexpr int dontSave = 1;
+constexpr int cancel = 2;
+
+const QSTemplate &receipt()
+{
+    return *QSTemplates::templateById(u"rent-receipt");
+}
+} // namespace
+
+/// Every action with its messages, without a window; a fake answers for the person.
+class TestAppModel final : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase() { QVERIFY2(QSTemplates::templateById(u"rent-receipt"), "no templates"); }
+
+    void init()
+    {
+        m_user = std::make_unique<ScratchUser>();
+        QSStore::setShared(std::make_unique<QSStore>(QSInfo::databaseURL()));
+        m_desktop = std::make_unique<FakeDesktop>();
+        m_model = std::make_unique<AppModel>(*m_desktop);
+    }
+
+    void cleanup()
+    {
+        QVERIFY2(m_desktop->settled(), qPrintable(m_desktop->unexpected.join(u'\n')));
+        OfficeConverter::setProgramOverride({});
+        m_model.reset();
+        QSStore::setShared(nullptr);
+        m_user.reset();
+    }
+
+    void aFreshUserStartsWithTheDefaults()
+    {
+        QCOMPARE(m_model->state(), u"CO"_s);
+        QCOMPARE(m_model->selectedTemplateID(), u"bill-of-sale-vehicle"_s);
+        QVERIFY(m_model->showDisclaimer());
+        m_model->acceptDisclaimer();
+        m_model->setState(u"TX"_s);
+        const AppModel next(*m_desktop);
+        QCOMPARE(next.state(), u"TX"_s);
+        QVERIFY(!next.showDisclaimer());
+    }
+
+    void theDisclaimerShownOnDemandAcceptsNothing()
+    {
+        m_model->setShowDisclaimer(false);
+        m_model->setShowDisclaimer(true);
+        m_model->setShowDisclaimer(false);
+        QVERIFY(!QSPrefs::disclaimerAccepted());
+    }
+
+    void aNewDocumentIsFilledFromTheProfile()
+    {
+        QSStore::shared()->saveProfile(
+            {{u"fullName"_s, u"Rosa Delgado"_s}, {u"state"_s, u"florida"_s}});
+        m_model->newDocument(receipt());
+        const QSDocument &document = m_model->editing()->document();
+        QVERIFY(!document.id);
+        QCOMPARE(document.title, receipt().title);
+        QCOMPARE(document.values.value(u"landlord_name"_s), u"Rosa Delgado"_s);
+        QCOMPARE(document.state, u"FL"_s);
+        QVERIFY(!m_model->editing()->hasUnsavedChanges());
+        QVERIFY(m_model->closeEditor()); // nothing typed: no question
+    }
+
+    void savingShowsItsMessageAndClosingThenAsksNothing()
+    {
+        m_model->newDocument(receipt());
+        m_model->setEditedTitle(u"  May rent "_s);
+        m_model->setEditedValue(u"tenant_name"_s, u"Quang"_s);
+        QVERIFY(m_model->saveEdited());
+        QCOMPARE(m_model->message(), u"Saved to My Documents."_s);
+        QVERIFY(m_model->closeEditor());
+        const QList<QSDocument> saved = m_model->documents();
+        QCOMPARE(saved.size(), 1);
+        QCOMPARE(saved.first().title, u"May rent"_s);
+        QCOMPARE(saved.first().values.value(u"tenant_name"_s), u"Quang"_s);
+        // opened again, it is the same document
+        m_model->edit(saved.first());
+        m_model->setEditedValue(u"tenant_name"_s, u"Quang Le"_s);
+        QVERIFY(m_model->saveEdited());
+        QCOMPARE(m_model->documents().size(), 1);
+    }
+
+    void closingWithUnsavedChangesAsks_data()
+    {
+        QTest::addColumn<int>("answer");
+        QTest::addColumn<bool>("closed");
+        QTest::addColumn<int>("documents");
+        QTest::newRow("Save") << save << true << 1;
+        QTest::newRow("Don't Save") << dontSave << true << 0;
+        QTest::newRow("Cancel") << cancel << false << 0;
+    }
+
+    void closingWithUnsavedChangesAsks()
+    {
+        QFETCH(int, answer);
+        QFETCH(bool, closed);
+        QFETCH(int, documents);
+        m_model->newDocument(receipt());
+        m_model->setEditedTitle(u"May rent"_s);
+        m_desktop->answers = {answer};
+        QCOMPARE(m_model->show(Screen::documents), closed);
+        const QSDesktop::Question &question = m_desktop->questions.first();
+        QCOMPARE(question.text, u"Save changes to \"May rent\""_s);
+        QCOMPARE(question.buttons, (QStringList{u"Save"_s, u"Don't Save"_s, u"Cancel"_s}));
+        QCOMPARE(m_model->editing().has_value(), !closed);
+        QCOMPARE(m_model->documents().size(), documents);
+    }
+
+    void whatCannotBeSavedKeepsTheEditorOpen()
+    {
+        m_model->newDocument(receipt());
+        m_model->setEditedTitle(u"  "_s);
+        m_desktop->answers = {save};
+        QVERIFY(!m_model->closeEverything());
+        QCOMPARE(m_model->message(), u"Give the document a name."_s);
+        QVERIFY(m_model->editing());
+
+        m_model->setEditedTitle(u"May rent"_s);
+        QSStore::setShared(nullptr);
+        QVERIFY(!m_model->saveEdited());
+        QVERIFY(m_model->message()->contains(u"No documents database is open"_s));
+        QVERIFY(m_model->editing()->hasUnsavedChanges());
+    }
+
+    void fillFromProfileFillsOnlyWhatIsEmpty()
+    {
+        m_model->newDocument(receipt());
+        m_model->fillFromProfile();
+        QCOMPARE(m_model->message(),
+                 u"The profile is empty. Fill it in on the My Profile screen."_s);
+        m_model->setProfileValue(u"fullName"_s, u"Rosa Delgado"_s);
+        QVERIFY(m_model->saveProfile());
+        QCOMPARE(m_model->message(), u"Profile saved."_s);
+        m_model->setEditedValue(u"landlord_name"_s, u"Somebody else"_s);
+        m_model->fillFromProfile();
+        const QSDocument &document = m_model->editing()->document();
+        QCOMPARE(document.values.value(u"landlord_name"_s), u"Somebody else"_s);
+        QCOMPARE(document.values.value(u"received_by"_s), u"Rosa Delgado"_s);
+    }
+
+    void aTypedProfileIsNotLostByLeaving()
+    {
+        m_model->setProfileValue(u"city"_s, u"Pueblo"_s);
+        QCOMPARE(m_model->profile().value(u"city"_s), u"Pueblo"_s);
+        m_desktop->answers = {cancel, save};
+        QVERIFY(!m_model->closeEverything());
+        QCOMPARE(m_desktop->questions.first().text, u"Save changes to \"My Profile\""_s);
+        QVERIFY(m_model->closeEverything());
+        QCOMPARE(QSStore::shared()->profile().value(u"city"_s), u"Pueblo"_s);
+    }
+
+    void deletingAsksFirst()
+    {
+        const QSDocument document = savedReceipt(u"May rent"_s);
+        m_desktop->answers = {0, 1};
+        m_model->deleteDocument(document);
+        QCOMPARE(m_model->documents().size(), 1);
+        QCOMPARE(m_desktop->questions.first().text, u"Delete \"May rent\""_s);
+        QCOMPARE(m_desktop->questions.first().detail, u"This can't be undone."_s);
+        m_model->deleteDocument(document);
+        QVERIFY(m_model->documents().isEmpty());
+    }
+
+    void exportWritesTheWholeFileOrNothing_data()
+    {
+        QTest::addColumn<QString>("target");
+        QTest::addColumn<QString>("file");
+        QTest::addColumn<QString>("message");
+        const QString failed = u"This document could not be exported."_s;
+        QTest::newRow("a new file") << u"rent.pdf"_s << u"rent.pdf"_s << u"Saved rent.pdf"_s;
+        QTest::newRow("the extension is added")
+            << u"rent"_s << u"rent.pdf"_s << u"Saved rent.pdf"_s;
+        QTest::newRow("a folder that is not there") << u"no/rent.pdf"_s << QString() << failed;
+    }
+
+    void exportWritesTheWholeFileOrNothing()
+    {
+        QFETCH(QString, target);
+        QFETCH(QString, file);
+        QFETCH(QString, message);
+        const QSDocument document = savedReceipt(u"May/June rent"_s);
+        m_desktop->savePaths = {m_user->path(target)};
+        QSignalSpy messages(m_model.get(), &AppModel::messageChanged);
+        m_model->exportDocument(document, QSExport::Format::pdf);
+        QVERIFY(m_model->busy()); // made in the background
+        QVERIFY(messages.wait(20000));
+        QVERIFY(!m_model->busy());
+        QCOMPARE(m_model->message(), message);
+        QCOMPARE(m_desktop->suggestedNames, QStringList{u"May-June rent.pdf"_s});
+        if (!file.isEmpty()) {
+            QFile written(m_user->path(file));
+            QVERIFY(written.open(QIODevice::ReadOnly));
+            QVERIFY(written.readAll().trimmed().endsWith("%%EOF"));
+        }
+    }
+
+    void aFullDiskKeepsTheFileThatWasThere()
+    {
+        const QString folder = m_user->path(u"disk"_s);
+        const SmallDisk disk(folder, 48 * 1024);
+        if (!disk.mounted()) {
+            QSKIP("This process may not mount a small file system");
+        }
+        const QString target = folder + u"/rent.pdf"_s;
+        const QByteArray older(40 * 1024, 'x');
+        writeFile(target, older);
+        m_desktop->savePaths = {target};
+        QSignalSpy messages(m_model.get(), &AppModel::messageChanged);
+        QTest::ignoreMessage(QtWarningMsg, QRegularExpression(u"rent\\.pdf"_s));
+        m_model->exportDocument(savedReceipt(u"May rent"_s), QSExport::Format::pdf);
+        QVERIFY(messages.wait(20000));
+        QCOMPARE(m_model->message(), u"This document could not be exported."_s);
+        QCOMPARE(contents(target), older);
+        QCOMPARE(QDir(folder).entryList(QDir::Files | QDir::Hidden), QStringList{u"rent.pdf"_s});
+    }
+
+    void withoutLibreOfficeWordExportSaysSo()
+    {
+        OfficeConverter::setProgramOverride(m_user->path(u"no-such-program"_s));
+        QSignalSpy messages(m_model.get(), &AppModel::messageChanged);
+        QTest::ignoreMessage(QtWarningMsg, QRegularExpression(u"."_s));
+        m_model->exportDocument(savedReceipt(u"May rent"_s), QSExport::Format::docx);
+        QVERIFY(messages.wait(20000));
+        QCOMPARE(m_model->message(), u"This document could not be exported."_s);
+        QVERIFY(m_desktop->suggestedNames.isEmpty());
+    }
+
+    void resultsOfWorkGoWithTheirContext()
+    {
+        bool called = false;
+        auto context = std::make_unique<QObject>();
+        AsyncTask::run<int>(
+            context.get(), [] { return 1; }, [&called](const auto &) { called = true; });
+        context.reset();
+        QVERIFY(QThreadPool::globalInstance()->waitForDone(5000));
+        QCoreApplication::processEvents();
+        QVERIFY(!called);
+    }
+
+    void printingHandsOverTheDocumentUnderItsName()
+    {
+        m_model->print(savedReceipt(u"May rent"_s));
+        QCOMPARE(m_desktop->printed.size(), 1);
+        QCOMPARE(m_desktop->printed.first().title, u"May rent"_s);
+        QVERIFY(m_desktop->printed.first().plainText().contains(u"Quang"_s));
+        QSDocument orphan = savedReceipt(u"Other"_s);
+        orphan.templateID = u"gone"_s;
+        m_model->print(orphan);
+        QCOMPARE(m_model->message(), u"The template gone is not in this version of the app."_s);
+    }
+
+    void aHitLeadsToWhatItFound()
+    {
+        const QSDocument document = savedReceipt(u"May rent"_s);
+        m_model->setSearch(u"quang"_s);
+        QCOMPARE(m_model->hits().size(), 1);
+        const QSSearchHit hit = m_model->hits().first();
+        m_model->openHit(hit);
+        QCOMPARE(m_model->editing()->document().id, document.id);
+        QCOMPARE(m_model->search(), QString());
+
+        m_model->openHit({QSSearchHit::Kind::template_, u"affidavit"_s, {}, {}});
+        QCOMPARE(m_model->screen(), Screen::templates);
+        QCOMPARE(m_model->selectedTemplateID(), u"affidavit"_s);
+        QVERIFY(!m_model->editing());
+
+        const QSEntry &form = QSDirectory::shared().entries.first();
+        m_model->openHit({QSSearchHit::Kind::form, form.id, {}, {}});
+        QCOMPARE(m_desktop->browsed.first().scheme(), u"https"_s);
+
+        QSStore::shared()->deleteDocument(document.id.value());
+        m_model->openHit(hit);
+        QCOMPARE(m_model->message(), u"That record no longer exists."_s);
+    }
+
+private:
+    QSDocument savedReceipt(const QString &title)
+    {
+        QSDocument document;
+        document.templateID = receipt().id;
+        document.title = title;
+        document.values = {{u"tenant_name"_s, u"Quang"_s}};
+        return QSStore::shared()->save(document);
+    }
+
+    std::unique_ptr<ScratchUser> m_user;
+    std::unique_ptr<FakeDesktop> m_desktop;
+    std::unique_ptr<AppModel> m_model;
+};
+
+QTEST_MAIN(TestAppModel)
+#include "tst_appmodel.moc"
