@@ -1,0 +1,347 @@
+#include "AppModel.h"
+#include "FakeDesktop.h"
+#include "MainWindow.h"
+#include "QSTemplates.h"
+#include "QSThemes.h"
+#include "ScratchUser.h"
+#include "VellStyle.h"
+#include "editor/FieldsPane.h"
+#include "editor/PaperPreview.h"
+
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QScrollBar>
+#include <QSignalSpy>
+#include <QStackedWidget>
+#include <QTableView>
+#include <QTest>
+#include <QTimer>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+constexpr int dontSave = 1;
+constexpr int cancel = 2;
+} // namespace
+
+/// The window as a person uses it: keys and clicks go in, and what is checked is what is shown.
+class TestMainWindow final : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase()
+    {
+        QVERIFY2(QSTemplates::templateById(u"rent-receipt"), "no templates");
+        VellThemes::registerThemes(QSThemes::extras());
+        VellThemes::setDefaultID(QSThemes::graphiteID);
+        VellStyle::apply(*qApp, VellThemes::current());
+    }
+
+    void init()
+    {
+        m_user = std::make_unique<ScratchUser>();
+        QSPrefs::setDisclaimerAccepted(true);
+        QSStore::setShared(std::make_unique<QSStore>(QSInfo::databaseURL()));
+        m_desktop = std::make_unique<FakeDesktop>();
+        openWindow();
+        QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
+    }
+
+    void cleanup()
+    {
+        QVERIFY2(m_desktop->settled(), qPrintable(m_desktop->unexpected.join(u'\n')));
+        m_window.reset();
+        m_model.reset();
+        QSStore::setShared(nullptr);
+        m_user.reset();
+    }
+
+    void fromTemplateToSavedDocumentByKeyboardAlone()
+    {
+        press(Qt::Key_3, Qt::ControlModifier);
+        focus("Templates")->setFocus();
+        for (int i = 0; i < 40 && m_model->selectedTemplateID() != u"rent-receipt"_s; ++i) {
+            press(Qt::Key_Down);
+        }
+        for (int i = 0; i < 40 && m_model->selectedTemplateID() != u"rent-receipt"_s; ++i) {
+            press(Qt::Key_Up);
+        }
+        QCOMPARE(m_model->selectedTemplateID(), u"rent-receipt"_s);
+        press(Qt::Key_Return);
+        QVERIFY(m_model->editing());
+
+        // the keyboard stands in the first empty field; Tab goes through all of them and back out
+        const QSTemplate *receipt = QSTemplates::templateById(u"rent-receipt");
+        QStringList walked;
+        for (int i = 0; i < 60 && walked.size() < receipt->fields.size(); ++i) {
+            const QString name = focused()->accessibleName();
+            for (const QSField &field : receipt->fields) {
+                if (name == field.label || name == field.label + u", required"_s) {
+                    walked.append(field.key);
+                    type(field);
+                }
+            }
+            press(Qt::Key_Tab);
+        }
+        QStringList expected;
+        for (const QSField &field : receipt->fields) {
+            expected.append(field.key);
+        }
+        QCOMPARE(walked, expected);
+
+        press(Qt::Key_S, Qt::ControlModifier);
+        QCOMPARE(shownMessage(), u"Saved to My Documents."_s);
+        press(Qt::Key_W, Qt::ControlModifier);
+        QVERIFY(!m_model->editing());
+
+        // a new start finds it in My Documents, and by a word typed in it
+        restart();
+        press(Qt::Key_4, Qt::ControlModifier);
+        auto *table = shown<QTableView>();
+        QCOMPARE(table->model()->rowCount(), 1);
+        table->setFocus();
+        press(Qt::Key_Return);
+        QCOMPARE(m_model->editing()->document().values.value(u"tenant_name"_s),
+                 u"Zephyrine tenant_name"_s);
+        press(Qt::Key_W, Qt::ControlModifier);
+        press(Qt::Key_F, Qt::ControlModifier);
+        QTest::keyClicks(focused(), u"zephyr"_s);
+        press(Qt::Key_Return); // into the results
+        QCOMPARE(qobject_cast<QPushButton *>(focused())->text(), u"Show"_s);
+        press(Qt::Key_Space);
+        QVERIFY(m_model->editing());
+    }
+
+    void thePreviewFollowsEveryKeystroke()
+    {
+        start(u"residential-lease");
+        auto *preview = shown<PaperPreview>();
+        QImage before = preview->grab().toImage();
+        auto *pane = shown<FieldsPane>();
+        auto *line = pane->findChild<QLineEdit *>();
+        for (const QChar letter : u"2027-03-01"_s) {
+            QTest::keyClick(line, letter.toLatin1());
+            const QImage after = preview->grab().toImage();
+            QVERIFY(after != before);
+            before = after;
+        }
+        // a change far down is brought into view
+        const QList<QPlainTextEdit *> texts = pane->findChildren<QPlainTextEdit *>();
+        QCOMPARE(preview->verticalScrollBar()->value(), 0);
+        QTest::keyClicks(texts.last(), u"x"_s);
+        QVERIFY(preview->verticalScrollBar()->value() > 0);
+    }
+
+    void fieldsStillEmptyAreListed()
+    {
+        start(u"rent-receipt");
+        const auto listed = [this] {
+            for (const QLabel *label : shown<FieldsPane>()->findChildren<QLabel *>()) {
+                if (label->text().startsWith(u"Still empty (printed as blank lines):"_s)) {
+                    return label->text();
+                }
+            }
+            return QString();
+        };
+        QVERIFY(listed().contains(u"Received from (tenant)"_s));
+        m_model->setProfileValue(u"fullName"_s, u"Rosa"_s);
+        QVERIFY(listed().contains(u"Landlord's name"_s));
+        button(u"Fill from profile"_s)->click();
+        QVERIFY(!listed().contains(u"Landlord's name"_s));
+        QVERIFY(listed().contains(u"Received from (tenant)"_s));
+        m_model->saveProfile();
+        m_desktop->answers = {dontSave};
+        QVERIFY(m_model->closeEditor());
+    }
+
+    void closingTheWindowAsksAboutUnsavedChanges()
+    {
+        start(u"rent-receipt");
+        QTest::keyClicks(shown<FieldsPane>()->findChild<QLineEdit *>(), u"7"_s);
+        QVERIFY(m_window->isWindowModified());
+        m_desktop->answers = {cancel};
+        QVERIFY(!m_window->close());
+        QVERIFY(m_window->isVisible());
+        m_desktop->answers = {dontSave};
+        QVERIFY(m_window->close());
+    }
+
+    void theSidebarStaysWhereTheUserStays()
+    {
+        start(u"rent-receipt");
+        QTest::keyClicks(shown<FieldsPane>()->findChild<QLineEdit *>(), u"7"_s);
+        auto *list = qobject_cast<QListWidget *>(focus("Screens"));
+        m_desktop->answers = {cancel};
+        const QRect row = list->visualItemRect(list->item(1));
+        QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, row.center());
+        QTRY_COMPARE(m_desktop->questions.size(), 1);
+        QTest::qWait(0);
+        QCOMPARE(m_desktop->questions.size(), 1); // asked once
+        QCOMPARE(list->currentRow(), 0);
+        QVERIFY(m_model->editing());
+        m_desktop->answers = {dontSave};
+        QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, row.center());
+        QTRY_COMPARE(m_model->screen(), Screen::documents);
+    }
+
+    void searchResultsReplaceTheScreenAndGiveItBack()
+    {
+        press(Qt::Key_5, Qt::ControlModifier);
+        press(Qt::Key_F, Qt::ControlModifier);
+        QTest::keyClicks(focused(), u"zzqx"_s);
+        QVERIFY(texts().contains(u"Nothing found for \"zzqx\""_s));
+        press(Qt::Key_Escape);
+        QVERIFY(texts().contains(u"Details used to fill templates"_s));
+        QTest::keyClicks(focused(), u"small claims"_s);
+        QVERIFY(texts().contains(u"Official form (Colorado)"_s));
+        QVERIFY(!texts().contains(u"Details used to fill templates"_s));
+    }
+
+    void deletingFromTheListAsks()
+    {
+        QSDocument document;
+        document.templateID = u"rent-receipt"_s;
+        document.title = u"May rent"_s;
+        QSStore::shared()->save(document);
+        press(Qt::Key_4, Qt::ControlModifier);
+        auto *table = shown<QTableView>();
+        table->setFocus();
+        m_desktop->answers = {1};
+        press(Qt::Key_Delete);
+        QVERIFY(texts().contains(u"No documents yet. Start one from the Vell Templates screen."_s));
+        QVERIFY(!button(u"Open"_s)->isEnabled());
+    }
+
+    void theDisclaimerComesUntilItIsAccepted()
+    {
+        QSPrefs::setDisclaimerAccepted(false);
+        for (const int key : {Qt::Key_Escape, Qt::Key_Return}) {
+            bool shownAtStart = false;
+            QTimer look; // until the sheet is up
+            connect(&look, &QTimer::timeout, this, [&shownAtStart, &look, key] {
+                if (QWidget *sheet = QApplication::activeModalWidget()) {
+                    look.stop();
+                    shownAtStart = sheet->findChild<QPushButton *>()->text() == u"I understand"_s;
+                    QTest::keyClick(sheet, static_cast<Qt::Key>(key));
+                }
+            });
+            look.start(1);
+            openWindow();
+            QTRY_VERIFY(shownAtStart);
+        }
+        QVERIFY(QSPrefs::disclaimerAccepted());
+    }
+
+private:
+    void openWindow()
+    {
+        m_window.reset();
+        m_model = std::make_unique<AppModel>(*m_desktop);
+        m_window = std::make_unique<MainWindow>(*m_model);
+        m_window->show();
+        QVERIFY(QTest::qWaitForWindowExposed(m_window.get()));
+    }
+
+    void restart()
+    {
+        m_window.reset();
+        m_model.reset();
+        QSStore::setShared(nullptr);
+        QSStore::setShared(std::make_unique<QSStore>(QSInfo::databaseURL()));
+        openWindow();
+        QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
+    }
+
+    void start(QStringView templateID)
+    {
+        m_model->newDocument(*QSTemplates::templateById(templateID));
+        QCoreApplication::processEvents();
+    }
+
+    static QWidget *focused() { return QApplication::focusWidget(); }
+
+    void press(Qt::Key key, Qt::KeyboardModifiers modifiers = {}) const
+    {
+        QTest::keyClick(focused() ? focused() : m_window.get(), key, modifiers);
+    }
+
+    /// Types something fitting into the field that has the keyboard.
+    static void type(const QSField &field)
+    {
+        switch (field.kind) {
+        case QSFieldKind::date:
+            QTest::keyClicks(focused(), u"2027-03-01"_s);
+            break;
+        case QSFieldKind::money:
+            QTest::keyClicks(focused(), u"1500"_s);
+            break;
+        case QSFieldKind::state:
+            QTest::keyClicks(focused(), u"Colo"_s);
+            break;
+        default:
+            QTest::keyClicks(focused(), u"Zephyrine "_s + field.key);
+        }
+    }
+
+    [[nodiscard]] QWidget *focus(const char *accessibleName) const
+    {
+        for (QWidget *widget : m_window->findChildren<QWidget *>()) {
+            if (widget->accessibleName() == QLatin1StringView(accessibleName)) {
+                return widget;
+            }
+        }
+        qFatal("no %s", accessibleName);
+    }
+
+    /// The one visible widget of a class.
+    template <typename Widget>
+    [[nodiscard]] Widget *shown() const
+    {
+        for (Widget *widget : m_window->findChildren<Widget *>()) {
+            if (widget->isVisible()) {
+                return widget;
+            }
+        }
+        return nullptr;
+    }
+
+    [[nodiscard]] QPushButton *button(const QString &text) const
+    {
+        for (QPushButton *each : m_window->findChildren<QPushButton *>()) {
+            if (each->text() == text && each->isVisible()) {
+                return each;
+            }
+        }
+        qFatal("no button %s", qPrintable(text));
+    }
+
+    /// What the visible labels say.
+    [[nodiscard]] QStringList texts() const
+    {
+        QStringList found;
+        for (const QLabel *label : m_window->findChildren<QLabel *>()) {
+            if (label->isVisible()) {
+                found.append(label->text());
+            }
+        }
+        return found;
+    }
+
+    [[nodiscard]] QString shownMessage() const
+    {
+        return texts().contains(m_model->message().value_or(QString())) ? *m_model->message()
+                                                                        : QString();
+    }
+
+    std::unique_ptr<ScratchUser> m_user;
+    std::unique_ptr<FakeDesktop> m_desktop;
+    std::unique_ptr<AppModel> m_model;
+    std::unique_ptr<MainWindow> m_window;
+};
+
+QTEST_MAIN(TestMainWindow)
+#include "tst_mainwindow.moc"

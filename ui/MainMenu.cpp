@@ -1,0 +1,90 @@
+#include "MainMenu.h"
+
+#include "AppModel.h"
+#include "QSInfo.h"
+#include "QSTemplates.h"
+#include "VellAbout.h"
+#include "VxIcon.h"
+#include "screens/ExportMenu.h"
+
+#include <QAction>
+#include <QMainWindow>
+#include <QMenu>
+#include <QMenuBar>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+/// The same key on every platform: the platforms' own lists lack some of these commands.
+QKeySequence key(QStringView keys)
+{
+    return QKeySequence(keys.toString());
+}
+} // namespace
+
+MainMenu::MainMenu(AppModel &model, const QList<Screen> &screens, QMainWindow *window)
+    : QObject(window), m_model(model), m_window(window)
+{
+    createFileMenu();
+    createGoMenu(screens);
+    createHelpMenu();
+    connect(&m_model, &AppModel::editingChanged, this, &MainMenu::enableCommands);
+    enableCommands();
+}
+
+void MainMenu::createFileMenu()
+{
+    QMenu *menu = m_window->menuBar()->addMenu(u"&File"_s);
+    QMenu *fresh = menu->addMenu(u"New Document from Template"_s);
+    for (const QSTemplate &each : QSTemplates::all()) {
+        connect(fresh->addAction(each.title), &QAction::triggered, this, [this, id = each.id] {
+            if (const QSTemplate *source = QSTemplates::templateById(id)) {
+                m_model.newDocument(*source);
+            }
+        });
+    }
+    menu->addSeparator();
+    QAction *save =
+        menu->addAction(u"Save"_s, key(u"Ctrl+S"), &m_model, [this] { m_model.saveEdited(); });
+    QMenu *formats = menu->addMenu(u"Export"_s);
+    ExportMenu::fill(formats, this, [this](QSExport::Format format) {
+        m_model.exportDocument(m_model.editing()->document(), format);
+    });
+    QAction *print = menu->addAction(u"Print\u2026"_s, key(u"Ctrl+P"), &m_model,
+                                     [this] { m_model.print(m_model.editing()->document()); });
+    QAction *close = menu->addAction(u"Close Document"_s, key(u"Ctrl+W"), &m_model,
+                                     [this] { m_model.closeEditor(); });
+    m_documentCommands = {save, formats->menuAction(), print, close};
+    menu->addSeparator();
+    menu->addAction(u"Quit"_s, key(u"Ctrl+Q"), m_window, [this] { m_window->close(); });
+}
+
+void MainMenu::createGoMenu(const QList<Screen> &screens)
+{
+    QMenu *menu = m_window->menuBar()->addMenu(u"&Go"_s);
+    for (Screen screen : screens) {
+        const Screens::Info &info = Screens::info(screen);
+        // the digit is the screen's place among all of them
+        const QKeySequence key(u"Ctrl+%1"_s.arg(static_cast<int>(screen) + 1));
+        menu->addAction(VxIcon::named(info.symbol.toString()), info.title.toString(), key, &m_model,
+                        [this, screen] { m_model.show(screen); });
+    }
+    menu->addSeparator();
+    menu->addAction(u"Search"_s, key(u"Ctrl+F"), this, [this] { Q_EMIT findRequested(); });
+}
+
+void MainMenu::createHelpMenu()
+{
+    QMenu *menu = m_window->menuBar()->addMenu(u"&Help"_s);
+    menu->addAction(u"Show the Disclaimer"_s, &m_model,
+                    [this] { m_model.setShowDisclaimer(true); });
+    menu->addSeparator();
+    menu->addAction(u"About "_s + QSInfo::appName, m_window, [this] { VellAbout::show(m_window); });
+}
+
+void MainMenu::enableCommands()
+{
+    for (QAction *command : m_documentCommands) {
+        command->setEnabled(m_model.editing().has_value());
+    }
+}

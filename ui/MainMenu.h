@@ -1,0 +1,35 @@
+#pragma once
+
+#include "Screen.h"
+
+#include <QList>
+#include <QObject>
+
+class AppModel;
+class QAction;
+class QMainWindow;
+
+/// The window's menus: they hold no rules, only the model's actions with their shortcuts.
+class MainMenu final : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// Fills the window's menu bar; the window owns the result.
+    MainMenu(AppModel &model, const QList<Screen> &screens, QMainWindow *window);
+
+Q_SIGNALS:
+    /// The user wants to type into the search field.
+    void findRequested();
+
+private:
+    void createFileMenu();
+    void createGoMenu(const QList<Screen> &screens);
+    void createHelpMenu();
+    /// Commands on the open document are off while there is none.
+    void enableCommands();
+
+    AppModel &m_model;
+    QMainWindow *m_window;
+    QList<QAction *> m_documentCommands;
+};

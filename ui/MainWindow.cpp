@@ -1,0 +1,206 @@
+#include "MainWindow.h"
+
+#include "AppModel.h"
+#include "DisclaimerSheet.h"
+#include "MainMenu.h"
+#include "QSInfo.h"
+#include "SearchField.h"
+#include "Sidebar.h"
+#include "VxMessageBar.h"
+#include "VxText.h"
+#include "editor/DocumentEditor.h"
+#include "screens/DocumentsView.h"
+#include "screens/ProfileView.h"
+#include "screens/SearchView.h"
+#include "screens/TemplatesView.h"
+
+#include <QCloseEvent>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPushButton>
+#include <QStackedWidget>
+#include <QVBoxLayout>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+/// The screens that the window has, in the order of the sidebar; their pages stand first in the
+/// stack, in the same order.
+const QList<Screen> screens = {Screen::templates, Screen::documents, Screen::profile};
+} // namespace
+
+MainWindow::MainWindow(AppModel &model)
+    : m_model(model),
+      m_sidebar(new Sidebar(screens, this)),
+      m_title(VxText::make({}, VxText::Role::title, this)),
+      m_search(new SearchField(model, this)),
+      m_message(new VxMessageBar(this)),
+      m_pages(new QStackedWidget(this)),
+      m_results(new SearchView(model)),
+      m_editor(new DocumentEditor(model))
+{
+    createPages();
+    createWindow();
+    connectModel();
+    showPage();
+    showMessage();
+}
+
+void MainWindow::createPages()
+{
+    m_pages->addWidget(new TemplatesView(m_model));
+    m_pages->addWidget(new DocumentsView(m_model));
+    m_pages->addWidget(new ProfileView(m_model));
+    m_pages->addWidget(m_results);
+    m_pages->addWidget(m_editor);
+}
+
+void MainWindow::createWindow()
+{
+    setWindowTitle(QSInfo::appName + u"[*]"_s);
+    const int em = fontMetrics().height();
+    auto *content = new QVBoxLayout;
+    content->setContentsMargins(em, em / 2, em, em / 2);
+    content->setSpacing(em / 2);
+    content->addWidget(createHeader());
+    content->addWidget(m_pages, 1);
+    content->addWidget(m_message); // below the page, so that nothing moves away under the mouse
+
+    auto *middle = new QHBoxLayout;
+    middle->setSpacing(0);
+    middle->addWidget(m_sidebar);
+    middle->addLayout(content, 1);
+
+    auto *centre = new QWidget(this);
+    auto *column = new QVBoxLayout(centre);
+    column->setContentsMargins({});
+    column->setSpacing(0);
+    column->addLayout(middle, 1);
+    column->addWidget(createFooter());
+    setCentralWidget(centre);
+    setMinimumSize(em * 48, em * 30);
+    resize(em * 70, em * 44);
+}
+
+QWidget *MainWindow::createHeader()
+{
+    auto *header = new QWidget(this);
+    auto *row = new QHBoxLayout(header);
+    row->setContentsMargins({});
+    m_title->setWordWrap(false);
+    row->addWidget(m_title, 1);
+    m_search->setMinimumWidth(fontMetrics().height() * 18);
+    row->addWidget(m_search);
+    return header;
+}
+
+QWidget *MainWindow::createFooter()
+{
+    auto *footer = new QFrame(this);
+    footer->setObjectName(u"footer"_s);
+    auto *row = new QHBoxLayout(footer);
+    const int em = fontMetrics().height();
+    row->setContentsMargins(em, em / 4, em, em / 4);
+    row->addWidget(VxText::make(u"Information and official forms only \u2014 not legal advice. "
+                                "Laws vary by state; review important matters with an attorney."_s,
+                                VxText::Role::note, footer),
+                   1);
+    auto *disclaimer = new QPushButton(u"Disclaimer"_s, footer);
+    connect(disclaimer, &QPushButton::clicked, &m_model,
+            [this] { m_model.setShowDisclaimer(true); });
+    row->addWidget(disclaimer);
+    return footer;
+}
+
+void MainWindow::connectModel()
+{
+    auto *menu = new MainMenu(m_model, screens, this);
+    connect(menu, &MainMenu::findRequested, m_search, [this] {
+        m_search->setFocus(Qt::ShortcutFocusReason);
+        m_search->selectAll();
+    });
+    connect(m_search, &SearchField::leaveForResults, m_results, &SearchView::focusFirst);
+    // queued: a question may follow, which must not run inside the list's own mouse handling
+    connect(
+        m_sidebar, &Sidebar::chosen, this,
+        [this](Screen screen) {
+            m_model.show(screen);
+            m_sidebar->setCurrent(m_model.screen());
+        },
+        Qt::QueuedConnection);
+    connect(m_message, &VxMessageBar::dismissed, &m_model,
+            [this] { m_model.setMessage(std::nullopt); });
+    connect(&m_model, &AppModel::screenChanged, this, &MainWindow::showPage);
+    connect(&m_model, &AppModel::searchChanged, this, &MainWindow::showPage);
+    connect(&m_model, &AppModel::editingChanged, this, [this] {
+        showPage();
+        m_editor->focusFirstField();
+    });
+    connect(&m_model, &AppModel::messageChanged, this, &MainWindow::showMessage);
+    connect(&m_model, &AppModel::busyChanged, this, &MainWindow::showMessage);
+    // queued: at start-up the window is shown first
+    connect(&m_model, &AppModel::showDisclaimerChanged, this, &MainWindow::showDisclaimer,
+            Qt::QueuedConnection);
+    if (m_model.showDisclaimer()) {
+        QMetaObject::invokeMethod(this, &MainWindow::showDisclaimer, Qt::QueuedConnection);
+    }
+}
+
+void MainWindow::showPage()
+{
+    m_sidebar->setCurrent(m_model.screen());
+    if (!m_model.search().trimmed().isEmpty()) {
+        m_pages->setCurrentWidget(m_results);
+    } else if (m_model.editing()) {
+        m_pages->setCurrentWidget(m_editor);
+    } else {
+        m_pages->setCurrentIndex(static_cast<int>(screens.indexOf(m_model.screen())));
+    }
+    showTitle();
+}
+
+void MainWindow::showTitle()
+{
+    if (m_pages->currentWidget() == m_results) {
+        m_title->setText(u"Search results"_s);
+    } else if (m_pages->currentWidget() == m_editor) {
+        m_title->setText(u"Edit document"_s);
+    } else {
+        m_title->setText(Screens::info(m_model.screen()).title.toString());
+    }
+}
+
+void MainWindow::showMessage()
+{
+    m_message->show(m_model.message().value_or(QString()), m_model.busy().value_or(QString()));
+}
+
+void MainWindow::showDisclaimer()
+{
+    if (!m_model.showDisclaimer()) {
+        return;
+    }
+    DisclaimerSheet sheet(this);
+    if (sheet.exec() == QDialog::Accepted) {
+        m_model.acceptDisclaimer();
+    } else {
+        m_model.setShowDisclaimer(false);
+    }
+}
+
+void MainWindow::bringForward()
+{
+    setWindowState(windowState() & ~Qt::WindowMinimized);
+    show();
+    raise();
+    activateWindow();
+}
+
+void MainWindow::closeEvent(QCloseEvent *event)
+{
+    if (m_model.closeEverything()) {
+        event->accept();
+    } else {
+        event->ignore();
+    }
+}

@@ -1,0 +1,52 @@
+#pragma once
+
+#include "Screen.h"
+
+#include <QMainWindow>
+
+class AppModel;
+class DocumentEditor;
+class QLabel;
+class QStackedWidget;
+class SearchField;
+class SearchView;
+class Sidebar;
+class VxMessageBar;
+
+/// The one window: sidebar, header with the search field, the screen, message line, and the
+/// disclaimer's footer. It shows what the model says and hands what the user does to the model.
+class MainWindow final : public QMainWindow
+{
+    Q_OBJECT
+
+public:
+    /// The model has to outlive the window.
+    explicit MainWindow(AppModel &model);
+
+    /// Comes to the front, out of the task bar if need be.
+    void bringForward();
+
+protected:
+    void closeEvent(QCloseEvent *event) override;
+
+private:
+    [[nodiscard]] QWidget *createHeader();
+    [[nodiscard]] QWidget *createFooter();
+    void createPages();
+    void createWindow();
+    void connectModel();
+    /// The page that the model's state asks for: results, the editor, or the screen.
+    void showPage();
+    void showTitle();
+    void showMessage();
+    void showDisclaimer();
+
+    AppModel &m_model;
+    Sidebar *m_sidebar;
+    QLabel *m_title;
+    SearchField *m_search;
+    VxMessageBar *m_message;
+    QStackedWidget *m_pages;
+    SearchView *m_results;
+    DocumentEditor *m_editor;
+};

@@ -1,0 +1,86 @@
+#include "QtDesktop.h"
+
+#include "QSExport.h"
+#include "QSInfo.h"
+
+#include <QDesktopServices>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QMessageBox>
+#include <QPageLayout>
+#include <QPrintDialog>
+#include <QPrinter>
+#include <QPushButton>
+#include <QStandardPaths>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+/// The file panel's filter for a name's extension, for example "PDF (*.pdf)".
+QString filterFor(const QString &name)
+{
+    const QString extension = QFileInfo(name).suffix();
+    for (const QSExport::FormatInfo &info : QSExport::formats) {
+        if (info.extension == extension) {
+            return u"%1 (*.%2)"_s.arg(info.label.toString().section(u" ("_s, 0, 0), extension);
+        }
+    }
+    return {};
+}
+} // namespace
+
+std::optional<QString> QtDesktop::chooseSavePath(const QString &suggestedName)
+{
+    const QString folder = m_lastFolder.isEmpty()
+                               ? QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation)
+                               : m_lastFolder;
+    QFileDialog panel(m_window, u"Save As"_s, folder, filterFor(suggestedName));
+    panel.setAcceptMode(QFileDialog::AcceptSave);
+    panel.setFileMode(QFileDialog::AnyFile);
+    panel.setDefaultSuffix(QFileInfo(suggestedName).suffix());
+    panel.selectFile(suggestedName);
+    if (panel.exec() != QDialog::Accepted || panel.selectedFiles().isEmpty()) {
+        return std::nullopt;
+    }
+    const QString path = panel.selectedFiles().constFirst();
+    m_lastFolder = QFileInfo(path).path();
+    return path;
+}
+
+int QtDesktop::ask(const Question &question)
+{
+    QMessageBox box(m_window);
+    box.setWindowTitle(QSInfo::appName);
+    box.setIcon(QMessageBox::Question);
+    box.setTextFormat(Qt::PlainText);
+    box.setText(question.text);
+    box.setInformativeText(question.detail);
+    QList<QPushButton *> buttons;
+    for (const QString &label : question.buttons) {
+        buttons.append(box.addButton(label, QMessageBox::ActionRole));
+    }
+    box.setDefaultButton(buttons.constFirst());
+    box.setEscapeButton(buttons.at(question.cancel));
+    box.exec();
+    const auto pressed = std::ranges::find(buttons, box.clickedButton());
+    return pressed == buttons.end() ? question.cancel : static_cast<int>(pressed - buttons.begin());
+}
+
+void QtDesktop::openInBrowser(const QUrl &url)
+{
+    QDesktopServices::openUrl(url);
+}
+
+void QtDesktop::print(const QSRendered &rendered)
+{
+    QPrinter printer(QPrinter::HighResolution);
+    printer.setPageSize(QPageSize(QPageSize::Letter));
+    printer.setFullPage(true);
+    printer.setDocName(rendered.title);
+    printer.setCreator(QSInfo::appName);
+    QPrintDialog dialog(&printer, m_window);
+    dialog.setWindowTitle(u"Print \"%1\""_s.arg(rendered.title));
+    if (dialog.exec() == QDialog::Accepted) {
+        QSExport::print(rendered, printer);
+    }
+}

@@ -1,0 +1,22 @@
+#pragma once
+
+#include "QSDesktop.h"
+
+class QWidget;
+
+/// The model's port to the real desktop: Qt's panels over the main window. Main thread only.
+class QtDesktop final : public QSDesktop
+{
+public:
+    /// The window that panels belong to; it has to outlive its use here.
+    void setWindow(QWidget *window) { m_window = window; }
+
+    [[nodiscard]] std::optional<QString> chooseSavePath(const QString &suggestedName) override;
+    [[nodiscard]] int ask(const Question &question) override;
+    void openInBrowser(const QUrl &url) override;
+    void print(const QSRendered &rendered) override;
+
+private:
+    QWidget *m_window = nullptr;
+    QString m_lastFolder; ///< where the user saved last, for this run
+};

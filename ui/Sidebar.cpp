@@ -1,0 +1,49 @@
+#include "Sidebar.h"
+
+#include "QSInfo.h"
+#include "VxIcon.h"
+#include "VxText.h"
+
+#include <QLabel>
+#include <QListWidget>
+#include <QSignalBlocker>
+#include <QVBoxLayout>
+
+using namespace Qt::Literals::StringLiterals;
+
+Sidebar::Sidebar(const QList<Screen> &screens, QWidget *parent)
+    : QFrame(parent), m_screens(screens), m_list(new QListWidget(this))
+{
+    setObjectName(u"rail"_s);
+    const int em = fontMetrics().height();
+    m_list->setObjectName(u"sidebar"_s);
+    m_list->setAccessibleName(u"Screens"_s);
+    m_list->setIconSize({em, em});
+    m_list->setSpacing(em / 8);
+    m_list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    for (Screen screen : screens) {
+        const Screens::Info &info = Screens::info(screen);
+        auto *item = new QListWidgetItem(VxIcon::named(info.symbol.toString()),
+                                         info.title.toString(), m_list);
+        item->setSizeHint({0, em * 9 / 4});
+    }
+    connect(m_list, &QListWidget::currentRowChanged, this, [this](int row) {
+        if (row >= 0) {
+            Q_EMIT chosen(m_screens.at(row));
+        }
+    });
+
+    QLabel *product = VxText::make(QSInfo::appName, VxText::Role::heading, this);
+    product->setContentsMargins(em / 2, em / 2, 0, em / 2);
+    auto *column = new QVBoxLayout(this);
+    column->setContentsMargins(em / 2, em / 2, em / 2, em / 2);
+    column->addWidget(product);
+    column->addWidget(m_list);
+    setFixedWidth(em * 13);
+}
+
+void Sidebar::setCurrent(Screen screen)
+{
+    const QSignalBlocker quiet(m_list);
+    m_list->setCurrentRow(static_cast<int>(m_screens.indexOf(screen)));
+}

@@ -1,0 +1,143 @@
+#include "DocumentEditor.h"
+
+#include "AppModel.h"
+#include "FieldsPane.h"
+#include "PaperPreview.h"
+#include "QSTemplates.h"
+#include "VxButton.h"
+#include "VxText.h"
+#include "screens/ExportMenu.h"
+
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QSplitter>
+#include <QVBoxLayout>
+
+using namespace Qt::Literals::StringLiterals;
+
+DocumentEditor::DocumentEditor(AppModel &model, QWidget *parent)
+    : QWidget(parent),
+      m_model(model),
+      m_name(new QLineEdit(this)),
+      m_state(VxText::make({}, VxText::Role::note, this)),
+      m_fields(new FieldsPane(this)),
+      m_preview(new PaperPreview(this))
+{
+    auto *split = new QSplitter(Qt::Horizontal, this);
+    split->addWidget(m_fields);
+    split->addWidget(m_preview);
+    split->setChildrenCollapsible(false);
+    split->setSizes({2000, 3000}); // shares of whatever room there is
+    m_fields->setMinimumWidth(fontMetrics().height() * 14);
+
+    auto *column = new QVBoxLayout(this);
+    column->setContentsMargins({});
+    column->addWidget(createCommands());
+    column->addWidget(split, 1);
+    connectModel();
+}
+
+QWidget *DocumentEditor::createCommands()
+{
+    auto *bar = new QWidget(this);
+    auto *names = new QHBoxLayout;
+    auto *label = new QLabel(u"Document name"_s, bar);
+    label->setBuddy(m_name);
+    m_name->setAccessibleName(label->text());
+    names->addWidget(label);
+    names->addWidget(m_name, 1);
+    names->addWidget(m_state);
+    m_state->setWordWrap(false);
+
+    auto *buttons = new QHBoxLayout;
+    const auto add = [bar, buttons](const QString &text, const QString &symbol) {
+        QPushButton *button = VxButton::make(text, symbol, bar);
+        buttons->addWidget(button);
+        return button;
+    };
+    QPushButton *fill = add(u"Fill from profile"_s, u"person.crop.circle.fill"_s);
+    buttons->addStretch();
+    QPushButton *save = add(u"Save"_s, u"tray.and.arrow.down.fill"_s);
+    QPushButton *formats = add(u"Export"_s, u"square.and.arrow.up"_s);
+    QPushButton *print = add(u"Print\u2026"_s, u"printer.fill"_s);
+    QPushButton *close = add(u"Close"_s, u"xmark"_s);
+
+    connect(fill, &QPushButton::clicked, &m_model, &AppModel::fillFromProfile);
+    connect(save, &QPushButton::clicked, &m_model, &AppModel::saveEdited);
+    connect(close, &QPushButton::clicked, &m_model, &AppModel::closeEditor);
+    connect(print, &QPushButton::clicked, this,
+            [this] { m_model.print(m_model.editing()->document()); });
+    ExportMenu::attach(formats, this, [this](QSExport::Format format) {
+        m_model.exportDocument(m_model.editing()->document(), format);
+    });
+
+    auto *column = new QVBoxLayout(bar);
+    column->setContentsMargins({});
+    column->addLayout(buttons);
+    column->addLayout(names);
+    return bar;
+}
+
+void DocumentEditor::connectModel()
+{
+    connect(&m_model, &AppModel::editingChanged, this, &DocumentEditor::openDocument);
+    connect(&m_model, &AppModel::editedDocumentChanged, this, &DocumentEditor::reload);
+    connect(m_fields, &FieldsPane::edited, this, &DocumentEditor::valueEdited);
+    connect(m_name, &QLineEdit::textEdited, this, [this](const QString &title) {
+        m_model.setEditedTitle(title);
+        showState();
+    });
+}
+
+void DocumentEditor::openDocument()
+{
+    if (!m_model.editing()) {
+        window()->setWindowModified(false);
+        return;
+    }
+    const QSDocument &document = m_model.editing()->document();
+    const QSTemplate *source = QSTemplates::templateById(document.templateID);
+    m_fields->setTemplate(source ? *source : QSTemplate());
+    reload();
+    m_preview->open(AppModel::render(document).value_or(QSRendered()));
+}
+
+void DocumentEditor::reload()
+{
+    const QSDocument &document = m_model.editing()->document();
+    if (m_name->text() != document.title) {
+        m_name->setText(document.title);
+    }
+    m_fields->setValues(document.values);
+    m_preview->update(AppModel::render(document).value_or(QSRendered()));
+    showState();
+}
+
+void DocumentEditor::valueEdited(const QString &key, const QString &value)
+{
+    m_model.setEditedValue(key, value);
+    const QSDocument &document = m_model.editing()->document();
+    m_fields->showEmptyFields(document.values);
+    m_preview->update(AppModel::render(document).value_or(QSRendered()));
+    showState();
+}
+
+void DocumentEditor::showState()
+{
+    const DocumentSession &session = *m_model.editing();
+    window()->setWindowModified(session.hasUnsavedChanges());
+    if (session.hasUnsavedChanges()) {
+        m_state->setText(u"Not saved yet"_s);
+    } else {
+        m_state->setText(session.document().id ? u"Saved"_s : QString());
+    }
+}
+
+void DocumentEditor::focusFirstField()
+{
+    if (m_model.editing()) {
+        m_fields->focusFirst(m_model.editing()->document().values);
+    }
+}

@@ -1,0 +1,72 @@
+#include "FieldsPane.h"
+
+#include "FieldEditor.h"
+#include "VxText.h"
+
+#include <QLabel>
+#include <QVBoxLayout>
+
+#include <algorithm>
+
+using namespace Qt::Literals::StringLiterals;
+
+FieldsPane::FieldsPane(QWidget *parent) : QScrollArea(parent)
+{
+    setWidgetResizable(true);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setFocusPolicy(Qt::NoFocus);
+    setAccessibleName(u"Fields"_s);
+}
+
+void FieldsPane::setTemplate(const QSTemplate &source)
+{
+    const int em = fontMetrics().height();
+    auto *content = new QWidget;
+    content->setProperty("clear", true);
+    auto *column = new QVBoxLayout(content);
+    column->setContentsMargins(0, 0, em, em);
+    column->setSpacing(em * 3 / 4);
+    m_editors.clear();
+    for (const QSField &field : source.fields) {
+        FieldEditor *editor = FieldEditor::make(field, content);
+        connect(editor, &FieldEditor::edited, this, &FieldsPane::edited);
+        column->addWidget(editor);
+        m_editors.append(editor);
+    }
+    m_stillEmpty = VxText::make({}, VxText::Role::note, content);
+    column->addWidget(m_stillEmpty);
+    column->addStretch();
+    setWidget(content);
+    viewport()->setAutoFillBackground(false);
+}
+
+void FieldsPane::setValues(const QSValues &values)
+{
+    for (FieldEditor *editor : m_editors) {
+        editor->setValue(values.value(editor->field().key));
+    }
+    showEmptyFields(values);
+}
+
+void FieldsPane::showEmptyFields(const QSValues &values)
+{
+    QStringList labels;
+    for (const FieldEditor *editor : m_editors) {
+        if (values.value(editor->field().key).trimmed().isEmpty()) {
+            labels.append(editor->field().label);
+        }
+    }
+    m_stillEmpty->setVisible(!labels.isEmpty());
+    m_stillEmpty->setText(u"Still empty (printed as blank lines): "_s + labels.join(u", "_s));
+}
+
+void FieldsPane::focusFirst(const QSValues &values)
+{
+    if (m_editors.isEmpty()) {
+        return;
+    }
+    const auto empty = std::ranges::find_if(m_editors, [&values](const FieldEditor *editor) {
+        return values.value(editor->field().key).isEmpty();
+    });
+    (empty == m_editors.end() ? m_editors.constFirst() : *empty)->setFocus();
+}

@@ -1,0 +1,178 @@
+#include "VellStyle.h"
+
+#include "VellTheme.h"
+
+#include <QApplication>
+#include <QFont>
+#include <QStyle>
+#include <QStyleFactory>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+// Names in capitals stand for the theme's colours.
+constexpr QStringView sheet = uR"(
+QMainWindow, QDialog { background: BG; }
+QToolTip { background: PANELBOTTOM; color: TEXT; border: 1px solid DIM; padding: 0.2em; }
+
+QLabel { background: transparent; }
+QLabel[role="note"] { color: DIM; }
+
+VxPanel, QFrame[panel="true"] {
+  background: qlineargradient(x1:0, y1:0, x2:0, y2:1, stop:0 PANELTOP, stop:1 PANELBOTTOM);
+  border: 1px solid EDGE; border-radius: 0.6em; }
+
+QPushButton, QToolButton[button="true"] {
+  background: qlineargradient(x1:0, y1:0, x2:0, y2:1, stop:0 PANELTOP, stop:1 PANELBOTTOM);
+  color: TEXT; border: 1px solid LINE; border-radius: 0.4em; padding: 0.4em 0.9em; }
+QPushButton:hover, QToolButton[button="true"]:hover { border-color: TEXT; }
+QPushButton:pressed, QToolButton[button="true"]:pressed { background: PANELBOTTOM; }
+QPushButton:disabled, QToolButton[button="true"]:disabled { color: FAINT; border-color: EDGE; }
+QPushButton:focus, QToolButton[button="true"]:focus { border: 2px solid ACCENT; }
+QPushButton[primary="true"] { background: ACCENT; color: ONACCENT; border: 1px solid ACCENT;
+  font-weight: 600; }
+QPushButton[primary="true"]:hover { border-color: TEXT; }
+QPushButton[primary="true"]:focus { border: 2px solid TEXT; }
+QPushButton[primary="true"]:disabled { background: PANELBOTTOM; color: FAINT; border-color: EDGE; }
+QPushButton::menu-indicator { subcontrol-position: right center; right: 0.4em; }
+QPushButton[menu="true"] { padding-right: 1.6em; }
+
+QLineEdit, QPlainTextEdit, QComboBox {
+  background: INSET; color: TEXT; border: 1px solid LINE; border-radius: 0.4em; padding: 0.35em;
+  selection-background-color: ACCENT; selection-color: ONACCENT; }
+QLineEdit:focus, QPlainTextEdit:focus, QComboBox:focus { border: 2px solid ACCENT; }
+QComboBox QAbstractItemView { background: PANELBOTTOM; color: TEXT; border: 1px solid LINE;
+  selection-background-color: ACCENT; selection-color: ONACCENT; }
+
+QListView, QTableView { background: INSET; color: TEXT; border: 1px solid EDGE;
+  border-radius: 0.6em; outline: none; }
+QListView:focus, QTableView:focus { border: 2px solid ACCENT; }
+QListView::item { padding: 0.45em 0.6em; border: none; }
+QListView::item:hover { background: EDGE; }
+QListView::item:selected, QTableView::item:selected { background: ACCENT; color: ONACCENT; }
+QListView::item:disabled { color: DIM; }
+QTableView { gridline-color: transparent; alternate-background-color: STRIPE; }
+QTableView::item { padding: 0.3em 0.6em; }
+QHeaderView { background: transparent; }
+QHeaderView::section { background: transparent; color: DIM; border: none;
+  border-bottom: 1px solid LINE; padding: 0.4em 0.6em; font-weight: 600; }
+
+QListView#sidebar { background: transparent; border: none; border-radius: 0; }
+QListView#sidebar:focus { border: none; }
+QListView#sidebar::item { border: 2px solid transparent; border-left: 0.3em solid transparent;
+  border-radius: 0.5em; padding: 0 0.5em; }
+QListView#sidebar::item:selected { background: SELECTED; color: TEXT;
+  border-left: 0.3em solid ACCENT; }
+QListView#sidebar::item:selected:focus { border: 2px solid ACCENT; border-left: 0.3em solid ACCENT; }
+QFrame#rail { background: qlineargradient(x1:0, y1:0, x2:0, y2:1, stop:0 PANELTOP,
+  stop:1 PANELBOTTOM); border: none; border-right: 1px solid EDGE; }
+QFrame#footer { background: PANELBOTTOM; border: none; border-top: 1px solid EDGE; }
+QFrame#message { background: PANELBOTTOM; border: 1px solid ACCENT; border-radius: 0.5em; }
+
+QScrollArea { background: transparent; border: none; }
+QScrollArea > QWidget > QWidget[clear="true"] { background: transparent; }
+QScrollBar:vertical { background: transparent; width: 0.9em; margin: 0; }
+QScrollBar:horizontal { background: transparent; height: 0.9em; margin: 0; }
+QScrollBar::handle { background: LINE; border-radius: 0.3em; margin: 0.15em; }
+QScrollBar::handle:vertical { min-height: 2em; }
+QScrollBar::handle:horizontal { min-width: 2em; }
+QScrollBar::handle:hover { background: DIM; }
+QScrollBar::add-line, QScrollBar::sub-line { width: 0; height: 0; }
+QScrollBar::add-page, QScrollBar::sub-page { background: transparent; }
+
+QSplitter::handle { background: EDGE; }
+QSplitter::handle:horizontal { width: 0.35em; }
+QProgressBar { background: INSET; border: 1px solid LINE; border-radius: 0.3em; max-height: 0.5em; }
+QProgressBar::chunk { background: ACCENT; border-radius: 0.3em; }
+
+QMenuBar { background: BG; color: TEXT; }
+QMenuBar::item { padding: 0.3em 0.7em; background: transparent; }
+QMenuBar::item:selected { background: SELECTED; }
+QMenu { background: PANELBOTTOM; color: TEXT; border: 1px solid LINE; padding: 0.3em; }
+QMenu::item { padding: 0.35em 1.6em; border-radius: 0.3em; }
+QMenu::item:selected { background: ACCENT; color: ONACCENT; }
+QMenu::item:disabled { color: FAINT; }
+QMenu::separator { height: 1px; background: LINE; margin: 0.3em 0.6em; }
+
+QCalendarWidget QWidget { background: PANELBOTTOM; color: TEXT; alternate-background-color: PANELTOP; }
+QCalendarWidget QAbstractItemView { selection-background-color: ACCENT;
+  selection-color: ONACCENT; border-radius: 0; }
+)";
+
+/// A colour of the way from one to another.
+QColor between(VellTheme::RGB from, VellTheme::RGB to, double share)
+{
+    const auto mix = [share](double a, double b) { return a + (b - a) * share; };
+    VellTheme::RGB mixed;
+    mixed.r = mix(from.r, to.r);
+    mixed.g = mix(from.g, to.g);
+    mixed.b = mix(from.b, to.b);
+    return mixed.color();
+}
+
+QString css(const QColor &colour)
+{
+    return u"rgba(%1,%2,%3,%4)"_s.arg(colour.red())
+        .arg(colour.green())
+        .arg(colour.blue())
+        .arg(colour.alpha());
+}
+} // namespace
+
+namespace VellStyle {
+QPalette palette(const VellTheme &theme)
+{
+    const QColor text = theme.text.color();
+    const QColor onAccent = theme.readableOn(theme.accent).color();
+    const QColor faint = between(theme.bg, theme.dim, 0.6);
+    QPalette palette(text, theme.panelTop.color(), theme.panelTop.color().lighter(),
+                     theme.bg.color(), theme.panelBottom.color(), text, text,
+                     theme.panelBottom.color(), theme.bg.color());
+    palette.setColor(QPalette::Highlight, theme.accent.color());
+    palette.setColor(QPalette::HighlightedText, onAccent);
+    palette.setColor(QPalette::Link, theme.accent.color());
+    palette.setColor(QPalette::PlaceholderText, between(theme.bg, theme.dim, 0.85));
+    palette.setColor(QPalette::ToolTipBase, theme.panelBottom.color());
+    palette.setColor(QPalette::ToolTipText, text);
+    for (QPalette::ColorRole role : {QPalette::Text, QPalette::ButtonText, QPalette::WindowText}) {
+        palette.setColor(QPalette::Disabled, role, faint);
+    }
+    return palette;
+}
+
+QString styleSheet(const VellTheme &theme)
+{
+    const std::pair<QStringView, QColor> colours[] = {
+        {u"ONACCENT", theme.readableOn(theme.accent).color()},
+        {u"ACCENT", theme.accent.color()},
+        {u"PANELTOP", theme.panelTop.color()},
+        {u"PANELBOTTOM", theme.panelBottom.color()},
+        {u"SELECTED", theme.accent.color(0.28)},
+        {u"STRIPE", theme.text.color(0.035)},
+        {u"INSET", QColor(0, 0, 0, 71)},
+        {u"FAINT", between(theme.bg, theme.dim, 0.6)},
+        {u"LINE", theme.dim.color(0.45)},
+        {u"EDGE", theme.dim.color(0.18)},
+        {u"TEXT", theme.text.color()},
+        {u"DIM", theme.dim.color()},
+        {u"BG", theme.bg.color()},
+    };
+    QString text = sheet.toString();
+    for (const auto &[name, colour] : colours) {
+        text.replace(name.toString(), css(colour));
+    }
+    return text;
+}
+
+void apply(QApplication &application, const VellTheme &theme)
+{
+    if (application.style()->name() != "fusion"_L1) {
+        QApplication::setStyle(QStyleFactory::create(u"Fusion"_s));
+    }
+    QApplication::setPalette(palette(theme));
+    QFont font = QApplication::font();
+    font.setFamilies({u"Inter"_s, font.family()});
+    QApplication::setFont(font);
+    application.setStyleSheet(styleSheet(theme));
+}
+} // namespace VellStyle

@@ -1,0 +1,106 @@
+#include "VxIcon.h"
+
+#include "QSInfo.h"
+#include "VellTheme.h"
+
+#include <QFile>
+#include <QIconEngine>
+#include <QPainter>
+#include <QSvgRenderer>
+
+#include <algorithm>
+#include <array>
+#include <memory>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+struct Drawing
+{
+    QStringView symbol;
+    QStringView file;
+};
+
+constexpr std::array drawings = {
+    Drawing{u"building.columns.fill", u"bank"},
+    Drawing{u"calendar", u"calendar3"},
+    Drawing{u"checkmark.circle.fill", u"check-circle-fill"},
+    Drawing{u"checkmark.shield.fill", u"shield-fill-check"},
+    Drawing{u"doc.text.fill", u"file-earmark-text-fill"},
+    Drawing{u"exclamationmark.triangle.fill", u"exclamation-triangle-fill"},
+    Drawing{u"externaldrive.fill", u"device-hdd-fill"},
+    Drawing{u"folder.fill", u"folder-fill"},
+    Drawing{u"info.circle.fill", u"info-circle-fill"},
+    Drawing{u"magnifyingglass", u"search"},
+    Drawing{u"person.2.wave.2.fill", u"people-fill"},
+    Drawing{u"person.crop.circle.fill", u"person-circle"},
+    Drawing{u"printer.fill", u"printer"},
+    Drawing{u"safari.fill", u"box-arrow-up-right"},
+    Drawing{u"sparkle.magnifyingglass", u"stars"},
+    Drawing{u"square.and.arrow.up", u"box-arrow-up"},
+    Drawing{u"trash.fill", u"trash"},
+    Drawing{u"tray.and.arrow.down.fill", u"floppy-fill"},
+    Drawing{u"xmark", u"x-lg"},
+};
+
+/// Draws one SVG in one colour at whatever size it is asked for; paler where disabled.
+class TintedEngine final : public QIconEngine
+{
+public:
+    TintedEngine(const QByteArray &svg, const QColor &colour)
+        : m_renderer(std::make_shared<QSvgRenderer>(
+              QByteArray(svg).replace("currentColor", colour.name().toLatin1())))
+    {
+    }
+
+    void paint(QPainter *painter, const QRect &rect, QIcon::Mode mode, QIcon::State) override
+    {
+        painter->save();
+        if (mode == QIcon::Disabled) {
+            painter->setOpacity(0.4);
+        }
+        // in a wider rectangle the drawing stands at its left and the rest is room before a text
+        m_renderer->render(painter, QRectF(rect.topLeft(), QSizeF(rect.height(), rect.height())));
+        painter->restore();
+    }
+
+    QPixmap pixmap(const QSize &size, QIcon::Mode mode, QIcon::State state) override
+    {
+        QPixmap picture(size);
+        picture.fill(Qt::transparent);
+        QPainter painter(&picture);
+        paint(&painter, QRect({0, 0}, size), mode, state);
+        return picture;
+    }
+
+    [[nodiscard]] QIconEngine *clone() const override { return new TintedEngine(*this); }
+
+private:
+    std::shared_ptr<QSvgRenderer> m_renderer;
+};
+} // namespace
+
+namespace VxIcon {
+QIcon named(const QString &symbol, const QColor &colour)
+{
+    const auto drawing = std::ranges::find(drawings, symbol, &Drawing::symbol);
+    const std::optional<QDir> resources = QSInfo::resourceFolder();
+    if (drawing == drawings.end() || !resources) {
+        return {};
+    }
+    QFile file(resources->filePath(u"icons/%1.svg"_s.arg(drawing->file)));
+    if (!file.open(QIODevice::ReadOnly)) {
+        return {};
+    }
+    const QColor tint = colour.isValid() ? colour : VellThemes::current().text.color();
+    return QIcon(new TintedEngine(file.readAll(), tint));
+}
+
+QStringList symbols()
+{
+    QStringList names;
+    std::ranges::transform(drawings, std::back_inserter(names),
+                           [](const Drawing &drawing) { return drawing.symbol.toString(); });
+    return names;
+}
+} // namespace VxIcon

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <QFrame>
+
+class QLabel;
+class QProgressBar;
+class QToolButton;
+
+/// One line of the window for what just happened or is going on: a sentence that stays until it
+/// is dismissed or replaced, or a busy text with a moving bar. Hidden while there is neither.
+/// Screen readers hear each new text.
+class VxMessageBar final : public QFrame
+{
+    Q_OBJECT
+
+public:
+    explicit VxMessageBar(QWidget *parent = nullptr);
+
+    /// The sentence and the busy text to show, each empty for none; the busy text comes first.
+    void show(const QString &message, const QString &busy);
+
+Q_SIGNALS:
+    /// The user has read the sentence.
+    void dismissed();
+
+private:
+    void announce(const QString &text);
+
+    QLabel *m_icon;
+    QLabel *m_text;
+    QProgressBar *m_bar;
+    QToolButton *m_dismiss;
+};

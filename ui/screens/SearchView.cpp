@@ -1,0 +1,130 @@
+#include "SearchView.h"
+
+#include "AppModel.h"
+#include "QSDirectory.h"
+#include "VxIcon.h"
+#include "VxPanel.h"
+#include "VxText.h"
+
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+/// "Official form (Colorado)", "Vell template" or "Document".
+QString describe(const QSSearchHit &hit)
+{
+    switch (hit.kind) {
+    case QSSearchHit::Kind::template_:
+        return u"Vell template"_s;
+    case QSSearchHit::Kind::document:
+        return u"Document"_s;
+    case QSSearchHit::Kind::form:
+        break;
+    }
+    const QSEntry *entry = QSDirectory::shared().entry(hit.ref);
+    const QSJurisdiction *place = entry ? QSDirectory::shared().jurisdiction(entry->j) : nullptr;
+    return place ? u"Official form (%1)"_s.arg(place->name) : u"Official form"_s;
+}
+} // namespace
+
+/// One hit.
+class HitRow final : public VxPanel
+{
+public:
+    HitRow(AppModel &model, QWidget *parent)
+        : VxPanel(parent),
+          m_title(VxText::make({}, VxText::Role::heading, this)),
+          m_kind(VxText::make({}, VxText::Role::note, this)),
+          m_snippet(VxText::make({}, VxText::Role::body, this)),
+          m_button(new QPushButton(this))
+    {
+        auto *texts = new QVBoxLayout;
+        texts->addWidget(m_title);
+        texts->addWidget(m_kind);
+        texts->addWidget(m_snippet);
+        auto *line = new QHBoxLayout;
+        line->addLayout(texts, 1);
+        line->addWidget(m_button, 0, Qt::AlignVCenter);
+        column()->addLayout(line);
+        connect(m_button, &QPushButton::clicked, this,
+                [this, &model] { model.openHit(QSSearchHit(m_hit)); });
+    }
+
+    void setHit(const QSSearchHit &hit)
+    {
+        m_hit = hit;
+        const QString kind = describe(hit);
+        m_title->setText(hit.title);
+        m_kind->setText(kind);
+        m_snippet->setText(hit.snippet.simplified());
+        m_button->setText(hit.kind == QSSearchHit::Kind::form ? u"Official page"_s : u"Show"_s);
+        m_button->setAccessibleName(u"%1 %2, %3"_s.arg(m_button->text(), hit.title, kind));
+    }
+
+    [[nodiscard]] QPushButton *button() const { return m_button; }
+
+private:
+    QSSearchHit m_hit;
+    QLabel *m_title;
+    QLabel *m_kind;
+    QLabel *m_snippet;
+    QPushButton *m_button;
+};
+
+SearchView::SearchView(AppModel &model, QWidget *parent) : QScrollArea(parent), m_model(model)
+{
+    setWidgetResizable(true);
+    setFocusPolicy(Qt::NoFocus);
+    setAccessibleName(u"Search results"_s);
+    auto *content = new QWidget;
+    content->setProperty("clear", true);
+    m_column = new QVBoxLayout(content);
+    m_column->setContentsMargins({});
+    m_nothing = VxText::make({}, VxText::Role::heading, content);
+    m_column->addWidget(m_nothing);
+    m_column->addStretch();
+    setWidget(content);
+    connect(&m_model, &AppModel::searchChanged, this, &SearchView::reload);
+    connect(&m_model, &AppModel::revisionChanged, this, &SearchView::reload);
+}
+
+HitRow *SearchView::row(int index)
+{
+    while (m_rows.size() <= index) {
+        auto *fresh = new HitRow(m_model, widget());
+        m_column->insertWidget(m_column->count() - 1, fresh);
+        m_rows.append(fresh);
+    }
+    return m_rows.at(index);
+}
+
+void SearchView::reload()
+{
+    if (m_model.search().trimmed().isEmpty()) {
+        return;
+    }
+    const QList<QSSearchHit> hits = m_model.hits();
+    const int count = static_cast<int>(hits.size());
+    widget()->setUpdatesEnabled(false);
+    for (int i = 0; i < count; ++i) {
+        row(i)->setHit(hits.at(i));
+        row(i)->show();
+    }
+    for (int i = count; i < m_rows.size(); ++i) {
+        m_rows.at(i)->hide();
+    }
+    m_nothing->setText(u"Nothing found for \"%1\""_s.arg(m_model.search()));
+    m_nothing->setVisible(hits.isEmpty());
+    widget()->setUpdatesEnabled(true);
+}
+
+void SearchView::focusFirst()
+{
+    if (!m_rows.isEmpty() && m_rows.constFirst()->isVisible()) {
+        m_rows.constFirst()->button()->setFocus(Qt::TabFocusReason);
+    }
+}
