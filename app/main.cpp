@@ -1,0 +1,52 @@
+#include "QSDispatch.h"
+#include "QSInfo.h"
+#include "QSSnapshot.h"
+#include "QuillstoneApp.h"
+
+#include <QApplication>
+
+#include <cstdio>
+
+namespace {
+/// Modes without a window run where there is no display.
+bool isHeadless(const QStringList &arguments)
+{
+    return arguments.contains(QSSnapshot::flag);
+}
+
+/// Qt ends the process without a word to the user when it finds no display.
+bool displayIsMissing(const QStringList &arguments)
+{
+    return qEnvironmentVariableIsEmpty("DISPLAY") &&
+           qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") &&
+           qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM") &&
+           !arguments.contains(QStringLiteral("-platform"));
+}
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    QStringList arguments;
+    for (int i = 0; i < argc; ++i) {
+        arguments.append(QString::fromLocal8Bit(argv[i]));
+    }
+    if (isHeadless(arguments)) {
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    } else if (displayIsMissing(arguments)) {
+        std::fprintf(stderr, "%s needs a display, and there is none here.\n",
+                     qPrintable(QSInfo::appName));
+        return 1;
+    }
+
+    const QApplication application(argc, argv);
+    QApplication::setApplicationVersion(QSInfo::version());
+    QApplication::setDesktopFileName(QStringLiteral("quillstone"));
+
+    QSModes modes;
+    modes.handleSnapshot = QSSnapshot::handle;
+    if (const std::optional<int> status = dispatch(arguments, modes)) {
+        return *status;
+    }
+    QuillstoneApp program;
+    return program.start() ? QApplication::exec() : 0;
+}

@@ -1,0 +1,54 @@
+#include "QSSetup.h"
+
+#include "QSDate.h"
+#include "QSDirectory.h"
+#include "QSError.h"
+#include "QSInfo.h"
+#include "QSStore.h"
+#include "QSThemes.h"
+#include "VellAbout.h"
+#include "VellStyle.h"
+
+#include <QApplication>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace QSSetup {
+void configure()
+{
+    VellThemes::setDefaultID(QSThemes::graphiteID);
+    VellThemes::registerThemes(QSThemes::extras());
+    VellStyle::apply(*qApp, VellThemes::current());
+    VellAbout::setExtraLines(
+        {u"Official legal forms and plain-English templates. No legal advice."_s,
+         u"Official forms directory checked "_s + QSDate::longText(QSDirectory::shared().checked) +
+             u". Forms download from the official government sites."_s});
+}
+
+std::optional<QString> openStore()
+{
+    const QUrl url = QSInfo::databaseURL();
+    QString problem;
+    try {
+        QSStore::setShared(std::make_unique<QSStore>(url));
+        return std::nullopt;
+    } catch (const QSError &error) {
+        problem =
+            u"Your documents database could not be opened (%1). It was left untouched at %2."_s.arg(
+                error.description(), url.toLocalFile());
+    }
+    const QString beside =
+        u"Quillstone (opened %1).sqlite"_s.arg(QSDate::iso(QDate::currentDate()));
+    try {
+        QSStore::setShared(
+            std::make_unique<QSStore>(QUrl::fromLocalFile(QSInfo::dataFolder().filePath(beside))));
+        return problem + u" A new empty database was opened instead; a backup can be restored "_s
+                         "from Backup & Settings."_s;
+    } catch (const QSError &error) {
+        QSStore::setShared(nullptr);
+        return problem +
+               u" No new database could be opened either (%1), so nothing can be saved."_s.arg(
+                   error.description());
+    }
+}
+} // namespace QSSetup

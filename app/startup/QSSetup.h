@@ -1,0 +1,16 @@
+#pragma once
+
+#include <QString>
+
+#include <optional>
+
+/// The two start-up steps before the first window, each called once and in this order, on the main
+/// thread.
+namespace QSSetup {
+/// Registers the program's theme, gives the interface its look and fills the About box.
+void configure();
+
+/// Opens the documents database. When it can't be opened it is left as it is, a new one with the
+/// day's date in its name is opened beside it, and the sentence to show about that is returned.
+[[nodiscard]] std::optional<QString> openStore();
+} // namespace QSSetup

@@ -1,0 +1,140 @@
+#include "QSDate.h"
+#include "QSDispatch.h"
+#include "QSSetup.h"
+#include "QSSingleInstance.h"
+#include "QSStore.h"
+#include "QSThemes.h"
+#include "ScratchUser.h"
+#include "TestFiles.h"
+#include "VellAbout.h"
+
+#include <QSignalSpy>
+#include <QTest>
+
+using namespace Qt::Literals::StringLiterals;
+
+/// What happens before the first window.
+class TestStartup final : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init() { m_user = std::make_unique<ScratchUser>(); }
+    void cleanup()
+    {
+        QSStore::setShared(nullptr);
+        m_user.reset();
+    }
+
+    void argumentsAreDispatchedInAFixedOrder_data()
+    {
+        QTest::addColumn<QStringList>("arguments");
+        QTest::addColumn<int>("status");
+        QTest::newRow("none") << QStringList{u"quillstone"_s} << -1;
+        QTest::newRow("unknown") << QStringList{u"quillstone"_s, u"--fast"_s} << -1;
+        QTest::newRow("child first")
+            << QStringList{u"q"_s, u"--selftest"_s, u"--snapshot"_s, u"--child"_s} << 10;
+        QTest::newRow("then snapshots")
+            << QStringList{u"q"_s, u"--check-links"_s, u"--snapshot"_s} << 11;
+        QTest::newRow("then links")
+            << QStringList{u"q"_s, u"--selftest"_s, u"--check-links"_s} << 12;
+        QTest::newRow("then the self-test") << QStringList{u"q"_s, u"x"_s, u"--selftest"_s} << 13;
+        QTest::newRow("whole arguments only") << QStringList{u"q"_s, u"--selftest=all"_s} << -1;
+    }
+
+    void argumentsAreDispatchedInAFixedOrder()
+    {
+        QFETCH(QStringList, arguments);
+        QFETCH(int, status);
+        const auto when = [](const QString &flag, int result) {
+            return [flag, result](const QStringList &given) {
+                return given.contains(flag) ? std::optional(result) : std::nullopt;
+            };
+        };
+        const QSModes modes{when(u"--child"_s, 10), when(u"--snapshot"_s, 11), [] { return 12; },
+                            [] { return 13; }};
+        QCOMPARE(dispatch(arguments, modes).value_or(-1), status);
+    }
+
+    void aModeThatThisVersionLacksIsRefused()
+    {
+        QCOMPARE(dispatch({u"q"_s, u"--selftest"_s}, {}), 2);
+        QCOMPARE(dispatch({u"q"_s, u"--check-links"_s}, {}), 2);
+        QVERIFY(!dispatch({u"q"_s, u"--other"_s}, {}));
+    }
+
+    void configuringSetsLookAndAboutLines()
+    {
+        QSSetup::configure();
+        QCOMPARE(VellThemes::current().id, QSThemes::graphiteID);
+        QCOMPARE(VellThemes::named(u"no such theme"_s).id, QSThemes::graphiteID);
+        for (const VellTheme &theme : VellThemes::all()) {
+            QVERIFY2(VellTheme::contrast(theme.text, theme.bg) >= 7, qPrintable(theme.id));
+            QVERIFY2(VellTheme::contrast(theme.dim, theme.bg) >= 4.5, qPrintable(theme.id));
+            QVERIFY2(VellTheme::contrast(theme.readableOn(theme.accent), theme.accent) >= 4.4,
+                     qPrintable(theme.id));
+        }
+        const QStringList lines = VellAbout::extraLines();
+        QCOMPARE(lines.size(), 2);
+        QVERIFY2(lines.at(1).startsWith(u"Official forms directory checked November "_s),
+                 qPrintable(lines.at(1)));
+    }
+
+    void anUnreadableDatabaseIsLeftAndANewOneOpenedBesideIt()
+    {
+        const QByteArray damaged = QByteArray("This is no database. ").repeated(500);
+        const QString path = QSInfo::databaseURL().toLocalFile();
+        writeFile(path, damaged);
+        const std::optional<QString> said = QSSetup::openStore();
+        QVERIFY(said);
+        QVERIFY2(said->startsWith(u"Your documents database could not be opened (The database "
+                                  "reported a problem: "_s),
+                 qPrintable(*said));
+        QVERIFY2(said->endsWith(u"It was left untouched at "_s + path +
+                                u". A new empty database was opened instead; a backup can be "
+                                "restored from Backup & Settings."_s),
+                 qPrintable(*said));
+        QCOMPARE(contents(path), damaged);
+        const QString beside =
+            u"Quillstone (opened %1).sqlite"_s.arg(QSDate::iso(QDate::currentDate()));
+        QCOMPARE(QSStore::shared()->url().fileName(), beside);
+
+        // the same day again: the same replacement, with what was saved in it
+        QSStore::shared()->saveProfile({{u"city"_s, u"Pueblo"_s}});
+        QVERIFY(QSSetup::openStore());
+        QCOMPARE(QSStore::shared()->url().fileName(), beside);
+        QCOMPARE(QSStore::shared()->profile().value(u"city"_s), u"Pueblo"_s);
+    }
+
+    void withoutAnyDatabaseTheMessageSaysSo()
+    {
+        const QString blocker = m_user->path(u"file"_s);
+        writeFile(blocker, "x");
+        QSInfo::setDataFolderOverride(blocker + u"/below"_s);
+        const std::optional<QString> said = QSSetup::openStore();
+        QVERIFY(said && said->contains(u"so nothing can be saved."_s));
+        QVERIFY(!QSStore::shared());
+    }
+
+    void aSecondStartBringsTheFirstForward()
+    {
+        const QString folder = QSInfo::dataFolder().path();
+        auto first = std::make_unique<QSSingleInstance>(folder);
+        QVERIFY(first->isFirst());
+        QSignalSpy forward(first.get(), &QSSingleInstance::broughtForward);
+        const QSSingleInstance second(folder);
+        QVERIFY(!second.isFirst());
+        QVERIFY(forward.count() == 1 || forward.wait(3000));
+        // another data folder is another program
+        QVERIFY(QDir().mkdir(m_user->path(u"other"_s)));
+        QVERIFY(QSSingleInstance(m_user->path(u"other"_s)).isFirst());
+        first.reset();
+        QVERIFY(QSSingleInstance(folder).isFirst());
+    }
+
+private:
+    std::unique_ptr<ScratchUser> m_user;
+};
+
+QTEST_MAIN(TestStartup)
+#include "tst_startup.moc"
