@@ -7,6 +7,7 @@
 #include <QJsonObject>
 
 #include <cmath>
+#include <limits>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -55,7 +56,8 @@ public:
     {
         const QJsonValue value = m_object.value(key);
         const double number = value.toDouble(std::nan(""));
-        if (!value.isDouble() || number != std::floor(number) || std::abs(number) > 1e9) {
+        if (!value.isDouble() || number != std::floor(number) ||
+            std::abs(number) > std::numeric_limits<int>::max()) {
             fail(missing(key, u"a whole number"_s));
         }
         return static_cast<int>(number);

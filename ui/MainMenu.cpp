@@ -47,11 +47,10 @@ void MainMenu::createFileMenu()
     QAction *save =
         menu->addAction(u"Save"_s, key(u"Ctrl+S"), &m_model, [this] { m_model.saveEdited(); });
     QMenu *formats = menu->addMenu(u"Export"_s);
-    ExportMenu::fill(formats, this, [this](QSExport::Format format) {
-        m_model.exportDocument(m_model.editing()->document(), format);
-    });
+    ExportMenu::fill(formats, this,
+                     [this](QSExport::Format format) { m_model.exportEdited(format); });
     QAction *print = menu->addAction(u"Print\u2026"_s, key(u"Ctrl+P"), &m_model,
-                                     [this] { m_model.print(m_model.editing()->document()); });
+                                     [this] { m_model.printEdited(); });
     QAction *close = menu->addAction(u"Close Document"_s, key(u"Ctrl+W"), &m_model,
                                      [this] { m_model.closeEditor(); });
     m_documentCommands = {save, formats->menuAction(), print, close};

@@ -18,14 +18,14 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
+#include <QScreen>
 #include <QStackedWidget>
 #include <QVBoxLayout>
 
 using namespace Qt::Literals::StringLiterals;
 
 namespace {
-/// The screens that the window has, in the order of the sidebar; their pages stand first in the
-/// stack, in the same order.
+/// The screens that the window has, in the order of the sidebar.
 const QList<Screen> screens = {Screen::templates, Screen::documents, Screen::profile};
 } // namespace
 
@@ -35,24 +35,52 @@ MainWindow::MainWindow(AppModel &model)
       m_title(VxText::make({}, VxText::Role::title, this)),
       m_search(new SearchField(model, this)),
       m_message(new VxMessageBar(this)),
-      m_pages(new QStackedWidget(this)),
-      m_results(new SearchView(model)),
-      m_editor(new DocumentEditor(model))
+      m_pages(new QStackedWidget(this))
 {
-    createPages();
     createWindow();
     connectModel();
     showPage();
     showMessage();
 }
 
-void MainWindow::createPages()
+QWidget *MainWindow::createScreen(Screen screen)
 {
-    m_pages->addWidget(new TemplatesView(m_model));
-    m_pages->addWidget(new DocumentsView(m_model));
-    m_pages->addWidget(new ProfileView(m_model));
-    m_pages->addWidget(m_results);
-    m_pages->addWidget(m_editor);
+    switch (screen) {
+    case Screen::documents:
+        return new DocumentsView(m_model, m_pages);
+    case Screen::profile:
+        return new ProfileView(m_model, m_pages);
+    default:
+        return new TemplatesView(m_model, m_pages);
+    }
+}
+
+QWidget *MainWindow::screenPage()
+{
+    QWidget *&page = m_screens[m_model.screen()];
+    if (!page) {
+        page = createScreen(m_model.screen());
+        m_pages->addWidget(page);
+    }
+    return page;
+}
+
+SearchView *MainWindow::results()
+{
+    if (!m_results) {
+        m_results = new SearchView(m_model, m_pages);
+        m_pages->addWidget(m_results);
+    }
+    return m_results;
+}
+
+DocumentEditor *MainWindow::editor()
+{
+    if (!m_editor) {
+        m_editor = new DocumentEditor(m_model, m_pages);
+        m_pages->addWidget(m_editor);
+    }
+    return m_editor;
 }
 
 void MainWindow::createWindow()
@@ -78,8 +106,8 @@ void MainWindow::createWindow()
     column->addLayout(middle, 1);
     column->addWidget(createFooter());
     setCentralWidget(centre);
-    setMinimumSize(em * 48, em * 30);
-    resize(em * 70, em * 44);
+    setMinimumSize(em * 54, em * 30);
+    resize(QSize(em * 70, em * 44).boundedTo(screen()->availableGeometry().size() * 9 / 10));
 }
 
 QWidget *MainWindow::createHeader()
@@ -119,11 +147,18 @@ void MainWindow::connectModel()
         m_search->setFocus(Qt::ShortcutFocusReason);
         m_search->selectAll();
     });
-    connect(m_search, &SearchField::leaveForResults, m_results, &SearchView::focusFirst);
+    connect(m_search, &SearchField::leaveForResults, this, [this] {
+        if (m_pages->currentWidget() == m_results) {
+            m_results->focusFirst();
+        }
+    });
     // queued: a question may follow, which must not run inside the list's own mouse handling
     connect(
         m_sidebar, &Sidebar::chosen, this,
         [this](Screen screen) {
+            if (screen != m_sidebar->current()) { // refused already
+                return;
+            }
             m_model.show(screen);
             m_sidebar->setCurrent(m_model.screen());
         },
@@ -134,7 +169,11 @@ void MainWindow::connectModel()
     connect(&m_model, &AppModel::searchChanged, this, &MainWindow::showPage);
     connect(&m_model, &AppModel::editingChanged, this, [this] {
         showPage();
-        m_editor->focusFirstField();
+        if (m_model.editing()) {
+            editor()->focusFirstField();
+        } else {
+            m_pages->currentWidget()->setFocus();
+        }
     });
     connect(&m_model, &AppModel::messageChanged, this, &MainWindow::showMessage);
     connect(&m_model, &AppModel::busyChanged, this, &MainWindow::showMessage);
@@ -150,20 +189,21 @@ void MainWindow::showPage()
 {
     m_sidebar->setCurrent(m_model.screen());
     if (!m_model.search().trimmed().isEmpty()) {
-        m_pages->setCurrentWidget(m_results);
+        m_pages->setCurrentWidget(results());
     } else if (m_model.editing()) {
-        m_pages->setCurrentWidget(m_editor);
+        m_pages->setCurrentWidget(editor());
     } else {
-        m_pages->setCurrentIndex(static_cast<int>(screens.indexOf(m_model.screen())));
+        m_pages->setCurrentWidget(screenPage());
     }
     showTitle();
 }
 
 void MainWindow::showTitle()
 {
-    if (m_pages->currentWidget() == m_results) {
+    QWidget *page = m_pages->currentWidget();
+    if (page == m_results) {
         m_title->setText(u"Search results"_s);
-    } else if (m_pages->currentWidget() == m_editor) {
+    } else if (page == m_editor) {
         m_title->setText(u"Edit document"_s);
     } else {
         m_title->setText(Screens::info(m_model.screen()).title.toString());
@@ -172,7 +212,7 @@ void MainWindow::showTitle()
 
 void MainWindow::showMessage()
 {
-    m_message->show(m_model.message().value_or(QString()), m_model.busy().value_or(QString()));
+    m_message->display(m_model.message().value_or(QString()), m_model.busy().value_or(QString()));
 }
 
 void MainWindow::showDisclaimer()

@@ -3,6 +3,7 @@
 #include "Screen.h"
 
 #include <QMainWindow>
+#include <QMap>
 
 class AppModel;
 class DocumentEditor;
@@ -32,7 +33,12 @@ protected:
 private:
     [[nodiscard]] QWidget *createHeader();
     [[nodiscard]] QWidget *createFooter();
-    void createPages();
+    [[nodiscard]] QWidget *createScreen(Screen screen);
+    /// The page of the model's screen. Pages are made when they are first shown, so that a start
+    /// waits for one alone.
+    [[nodiscard]] QWidget *screenPage();
+    [[nodiscard]] SearchView *results();
+    [[nodiscard]] DocumentEditor *editor();
     void createWindow();
     void connectModel();
     /// The page that the model's state asks for: results, the editor, or the screen.
@@ -47,6 +53,7 @@ private:
     SearchField *m_search;
     VxMessageBar *m_message;
     QStackedWidget *m_pages;
-    SearchView *m_results;
-    DocumentEditor *m_editor;
+    QMap<Screen, QWidget *> m_screens; ///< those made so far; so too the two below
+    SearchView *m_results = nullptr;
+    DocumentEditor *m_editor = nullptr;
 };

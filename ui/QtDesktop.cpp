@@ -13,6 +13,8 @@
 #include <QPushButton>
 #include <QStandardPaths>
 
+#include <algorithm>
+
 using namespace Qt::Literals::StringLiterals;
 
 namespace {
@@ -27,6 +29,14 @@ QString filterFor(const QString &name)
     }
     return {};
 }
+
+/// The path as typed, completed by the extension where it ends otherwise.
+QString withExtension(const QString &path, const QString &extension)
+{
+    return QFileInfo(path).suffix().compare(extension, Qt::CaseInsensitive) == 0
+               ? path
+               : path + u'.' + extension;
+}
 } // namespace
 
 std::optional<QString> QtDesktop::chooseSavePath(const QString &suggestedName)
@@ -37,14 +47,28 @@ std::optional<QString> QtDesktop::chooseSavePath(const QString &suggestedName)
     QFileDialog panel(m_window, u"Save As"_s, folder, filterFor(suggestedName));
     panel.setAcceptMode(QFileDialog::AcceptSave);
     panel.setFileMode(QFileDialog::AnyFile);
-    panel.setDefaultSuffix(QFileInfo(suggestedName).suffix());
+    // The panel would ask about the name as typed, and an extension may still be missing there.
+    panel.setOption(QFileDialog::DontConfirmOverwrite);
     panel.selectFile(suggestedName);
-    if (panel.exec() != QDialog::Accepted || panel.selectedFiles().isEmpty()) {
-        return std::nullopt;
+    while (panel.exec() == QDialog::Accepted && !panel.selectedFiles().isEmpty()) {
+        const QString path =
+            withExtension(panel.selectedFiles().constFirst(), QFileInfo(suggestedName).suffix());
+        m_lastFolder = QFileInfo(path).path();
+        if (mayWrite(path)) {
+            return path;
+        }
     }
-    const QString path = panel.selectedFiles().constFirst();
-    m_lastFolder = QFileInfo(path).path();
-    return path;
+    return std::nullopt;
+}
+
+bool QtDesktop::mayWrite(const QString &path)
+{
+    static constexpr int replace = 1;
+    return !QFileInfo::exists(path) ||
+           ask({u"\"%1\" is there already. Replace it?"_s.arg(QFileInfo(path).fileName()),
+                u"What is in it now is lost then."_s,
+                {u"Cancel"_s, u"Replace"_s},
+                0}) == replace;
 }
 
 int QtDesktop::ask(const Question &question)
@@ -66,9 +90,9 @@ int QtDesktop::ask(const Question &question)
     return pressed == buttons.end() ? question.cancel : static_cast<int>(pressed - buttons.begin());
 }
 
-void QtDesktop::openInBrowser(const QUrl &url)
+bool QtDesktop::openInBrowser(const QUrl &url)
 {
-    QDesktopServices::openUrl(url);
+    return QDesktopServices::openUrl(url);
 }
 
 void QtDesktop::print(const QSRendered &rendered)

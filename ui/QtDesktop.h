@@ -13,10 +13,13 @@ public:
 
     [[nodiscard]] std::optional<QString> chooseSavePath(const QString &suggestedName) override;
     [[nodiscard]] int ask(const Question &question) override;
-    void openInBrowser(const QUrl &url) override;
+    [[nodiscard]] bool openInBrowser(const QUrl &url) override;
     void print(const QSRendered &rendered) override;
 
 private:
+    /// Asks whether a file may be replaced; true when it is not there.
+    [[nodiscard]] bool mayWrite(const QString &path);
+
     QWidget *m_window = nullptr;
     QString m_lastFolder; ///< where the user saved last, for this run
 };

@@ -33,6 +33,15 @@ Sidebar::Sidebar(const QList<Screen> &screens, QWidget *parent)
         }
     });
 
+    // the current row as well: it leads back from the editor and from search results
+    const auto choose = [this](const QListWidgetItem *item) {
+        if (item == m_list->currentItem()) {
+            Q_EMIT chosen(m_screens.at(m_list->row(item)));
+        }
+    };
+    connect(m_list, &QListWidget::itemClicked, this, choose);
+    connect(m_list, &QListWidget::itemActivated, this, choose);
+
     QLabel *product = VxText::make(QSInfo::appName, VxText::Role::heading, this);
     product->setContentsMargins(em / 2, em / 2, 0, em / 2);
     auto *column = new QVBoxLayout(this);
@@ -40,6 +49,11 @@ Sidebar::Sidebar(const QList<Screen> &screens, QWidget *parent)
     column->addWidget(product);
     column->addWidget(m_list);
     setFixedWidth(em * 13);
+}
+
+Screen Sidebar::current() const
+{
+    return m_screens.at(m_list->currentRow());
 }
 
 void Sidebar::setCurrent(Screen screen)

@@ -17,6 +17,7 @@ public:
     explicit Sidebar(const QList<Screen> &screens, QWidget *parent = nullptr);
 
     void setCurrent(Screen screen);
+    [[nodiscard]] Screen current() const;
 
 Q_SIGNALS:
     void chosen(Screen screen);

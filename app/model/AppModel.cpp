@@ -10,20 +10,17 @@
 
 #include <QFileInfo>
 #include <QSaveFile>
+#include <QScopedValueRollback>
+#include <QTimer>
+
+#include <algorithm>
+#include <chrono>
 
 using namespace Qt::Literals::StringLiterals;
 
 namespace {
 const QString cannotExport = u"This document could not be exported."_s;
 const QString noStore = u"No documents database is open, so nothing can be saved."_s;
-
-/// The path with the extension of its format, which a save panel need not have added.
-QString withExtension(const QString &path, const QString &extension)
-{
-    return QFileInfo(path).suffix().compare(extension, Qt::CaseInsensitive) == 0
-               ? path
-               : path + u'.' + extension;
-}
 } // namespace
 
 AppModel::AppModel(QSDesktop &desktop, QObject *parent)
@@ -148,6 +145,7 @@ void AppModel::openSession(const QSDocument &document)
     setSearch({});
     m_editing.emplace(document);
     Q_EMIT editingChanged();
+    (void)renderOrTell(document);
 }
 
 void AppModel::setEditedTitle(const QString &title)
@@ -187,8 +185,25 @@ void AppModel::fillFromProfile()
     Q_EMIT editedDocumentChanged();
 }
 
+void AppModel::exportEdited(QSExport::Format format)
+{
+    Q_EMIT editsWanted();
+    if (m_editing) {
+        exportDocument(m_editing->document(), format);
+    }
+}
+
+void AppModel::printEdited()
+{
+    Q_EMIT editsWanted();
+    if (m_editing) {
+        print(m_editing->document());
+    }
+}
+
 bool AppModel::saveEdited()
 {
+    Q_EMIT editsWanted();
     if (!m_editing) {
         return false;
     }
@@ -204,6 +219,10 @@ bool AppModel::saveEdited()
 AppModel::Answer AppModel::askToSave(const QString &name)
 {
     static constexpr int cancelButton = 2;
+    if (m_asking) { // a second wish to close while the first one's question stands
+        return Answer::cancel;
+    }
+    const QScopedValueRollback asking(m_asking, true);
     const int button = m_desktop.ask({u"Save changes to \"%1\""_s.arg(name),
                                       {},
                                       {u"Save"_s, u"Don't Save"_s, u"Cancel"_s},
@@ -213,6 +232,7 @@ AppModel::Answer AppModel::askToSave(const QString &name)
 
 bool AppModel::closeEditor()
 {
+    Q_EMIT editsWanted();
     if (!m_editing) {
         return true;
     }
@@ -222,25 +242,29 @@ bool AppModel::closeEditor()
             return false;
         }
     }
+    dropEdited();
+    return true;
+}
+
+void AppModel::dropEdited()
+{
     m_editing.reset();
     Q_EMIT editingChanged();
-    return true;
 }
 
 // Documents
 
-QList<QSDocument> AppModel::documents()
+std::optional<QList<QSDocument>> AppModel::documents()
 {
-    QList<QSDocument> found;
-    if (store()) {
-        withStore([&found](QSStore &open) { found = open.documents(); });
-    }
+    std::optional<QList<QSDocument>> found;
+    withStore([&found](QSStore &open) { found = open.documents(); });
     return found;
 }
 
 void AppModel::deleteDocument(const QSDocument &document)
 {
     static constexpr int deleteButton = 1;
+    const QScopedValueRollback asking(m_asking, true);
     const int button = m_desktop.ask({u"Delete \"%1\""_s.arg(document.title),
                                       u"This can't be undone."_s,
                                       {u"Cancel"_s, u"Delete"_s},
@@ -287,7 +311,7 @@ void AppModel::exportDocument(const QSDocument &document, QSExport::Format forma
         [this, name](const AsyncTask::Outcome<QByteArray> &made) {
             setBusy(std::nullopt);
             if (made.result) {
-                saveFile(*made.result, name);
+                saveWhenNothingIsAsked(*made.result, name);
             } else {
                 qWarning("%s", made.error->what());
                 setMessage(cannotExport);
@@ -295,20 +319,29 @@ void AppModel::exportDocument(const QSDocument &document, QSExport::Format forma
         });
 }
 
+void AppModel::saveWhenNothingIsAsked(const QByteArray &data, const QString &suggestedName)
+{
+    static constexpr std::chrono::milliseconds pause{200};
+    if (m_asking) { // no panel over a question
+        QTimer::singleShot(pause, this, [=, this] { saveWhenNothingIsAsked(data, suggestedName); });
+    } else {
+        saveFile(data, suggestedName);
+    }
+}
+
 void AppModel::saveFile(const QByteArray &data, const QString &suggestedName)
 {
-    const std::optional<QString> chosen = m_desktop.chooseSavePath(suggestedName);
-    if (!chosen) {
+    const std::optional<QString> path = m_desktop.chooseSavePath(suggestedName);
+    if (!path) {
         return;
     }
-    const QString path = withExtension(*chosen, QFileInfo(suggestedName).suffix());
-    QSaveFile file(path);
+    QSaveFile file(*path);
     if (!file.open(QIODevice::WriteOnly) || file.write(data) != data.size() || !file.commit()) {
-        qWarning("%s: %s", qUtf8Printable(path), qUtf8Printable(file.errorString()));
+        qWarning("%s: %s", qUtf8Printable(*path), qUtf8Printable(file.errorString()));
         setMessage(cannotExport);
         return;
     }
-    setMessage(u"Saved "_s + QFileInfo(path).fileName());
+    setMessage(u"Saved "_s + QFileInfo(*path).fileName());
 }
 
 void AppModel::print(const QSDocument &document)
@@ -324,34 +357,45 @@ void AppModel::print(const QSDocument &document)
 
 // Profile
 
+std::optional<QMap<QString, QString>> AppModel::savedProfile()
+{
+    std::optional<QMap<QString, QString>> saved;
+    withStore([&saved](QSStore &open) { saved = open.profile(); });
+    return saved;
+}
+
 QMap<QString, QString> AppModel::profile()
 {
     if (m_profileEdits) {
         return *m_profileEdits;
     }
-    QMap<QString, QString> saved;
-    if (store()) {
-        withStore([&saved](QSStore &open) { saved = open.profile(); });
-    }
-    return saved;
+    return store() ? savedProfile().value_or(QMap<QString, QString>()) : QMap<QString, QString>();
 }
 
 void AppModel::setProfileValue(const QString &key, const QString &value)
 {
-    QMap<QString, QString> edited = profile();
-    if (edited.value(key) != value) {
-        edited.insert(key, value);
-        m_profileEdits = edited;
+    // Edits stand on what is saved: where that can't be read, saving would wipe it out.
+    const std::optional<QMap<QString, QString>> saved = savedProfile();
+    if (!saved) {
+        return;
     }
+    QMap<QString, QString> edited = m_profileEdits.value_or(*saved);
+    edited.insert(key, value);
+    const bool same = std::ranges::all_of(edited.keys(), [&](const QString &each) {
+        return edited.value(each) == saved->value(each);
+    });
+    m_profileEdits = same ? std::nullopt : std::optional(edited);
+    Q_EMIT profileEdited();
 }
 
 bool AppModel::saveProfile()
 {
-    const QMap<QString, QString> edited = profile();
-    const bool done = withStore([&edited](QSStore &open) { open.saveProfile(edited); });
+    const bool done =
+        !m_profileEdits || withStore([this](QSStore &open) { open.saveProfile(*m_profileEdits); });
     if (done) {
         m_profileEdits.reset();
         setMessage(u"Profile saved."_s);
+        Q_EMIT profileEdited();
     }
     return done;
 }
@@ -392,20 +436,32 @@ void AppModel::openHit(const QSSearchHit &hit)
 
 void AppModel::openOfficialPage(const QSEntry &entry)
 {
-    m_desktop.openInBrowser(QUrl(entry.info.isEmpty() ? entry.url : entry.info));
+    const QString page = entry.info.isEmpty() ? entry.url : entry.info;
+    if (!m_desktop.openInBrowser(QUrl(page))) {
+        setMessage(u"The web browser could not be opened. The page is %1"_s.arg(page));
+    }
 }
 
 bool AppModel::closeEverything()
 {
-    if (!closeEditor()) {
+    Q_EMIT editsWanted();
+    // Every question comes before anything is dropped, so that a late "Cancel" cancels it all.
+    Answer document = Answer::dontSave;
+    Answer details = Answer::dontSave;
+    if (m_editing && m_editing->hasUnsavedChanges()) {
+        document = askToSave(m_editing->document().title);
+    }
+    if (document != Answer::cancel && hasUnsavedProfile()) {
+        details = askToSave(Screens::info(Screen::profile).title.toString());
+    }
+    if (document == Answer::cancel || details == Answer::cancel ||
+        (document == Answer::save && !saveEdited()) ||
+        (details == Answer::save && !saveProfile())) {
         return false;
     }
-    if (hasUnsavedProfile()) {
-        const Answer answer = askToSave(Screens::info(Screen::profile).title.toString());
-        if (answer == Answer::cancel || (answer == Answer::save && !saveProfile())) {
-            return false;
-        }
-        m_profileEdits.reset();
+    m_profileEdits.reset();
+    if (m_editing) {
+        dropEdited();
     }
     return true;
 }

@@ -64,11 +64,15 @@ public:
     void fillFromProfile();
     /// Saves the open document; false with a message when that fails.
     bool saveEdited();
+    /// The open document, as it stands, to a file or to paper.
+    void exportEdited(QSExport::Format format);
+    void printEdited();
     /// Closes the editor; with unsaved changes it asks. False when the user stays.
     bool closeEditor();
 
     // Documents
-    [[nodiscard]] QList<QSDocument> documents();
+    /// Absent, with a message, when they can't be read.
+    [[nodiscard]] std::optional<QList<QSDocument>> documents();
     /// Deletes after asking.
     void deleteDocument(const QSDocument &document);
     /// Makes the file in the background, then asks where to put it. One at a time: while one is
@@ -82,6 +86,7 @@ public:
     // Profile
     /// The answers as last edited, saved or not.
     [[nodiscard]] QMap<QString, QString> profile();
+    /// Does nothing, with a message, while the saved profile can't be read.
     void setProfileValue(const QString &key, const QString &value);
     bool saveProfile();
     [[nodiscard]] bool hasUnsavedProfile() const { return m_profileEdits.has_value(); }
@@ -89,10 +94,12 @@ public:
     // Search
     [[nodiscard]] QList<QSSearchHit> hits();
     void openHit(const QSSearchHit &hit);
-    /// The agency's page about a form, in the browser.
+    /// The official page about a form, or the form itself where the directory has no page, in the
+    /// browser.
     void openOfficialPage(const QSEntry &entry);
 
-    /// Asks about everything unsaved; false when the user wants to stay.
+    /// Asks about everything unsaved, then closes it; false when the user wants to stay, and then
+    /// all is as it was.
     bool closeEverything();
 
 Q_SIGNALS:
@@ -104,9 +111,14 @@ Q_SIGNALS:
     void showDisclaimerChanged();
     /// Another document is open in the editor, or none.
     void editingChanged();
+    /// The open document is about to be read: whoever holds letters that an input method has not
+    /// handed over yet sets them now.
+    void editsWanted();
     /// The open document's title or answers changed otherwise than by setEditedTitle() and
     /// setEditedValue(), or it was saved.
     void editedDocumentChanged();
+    /// The profile's answers were edited or saved.
+    void profileEdited();
     /// What the store holds has changed.
     void revisionChanged();
 
@@ -118,6 +130,9 @@ private:
     template <typename Action>
     bool withStore(Action action);
     void setBusy(const std::optional<QString> &text);
+    void dropEdited();
+    [[nodiscard]] std::optional<QMap<QString, QString>> savedProfile();
+    void saveWhenNothingIsAsked(const QByteArray &data, const QString &suggestedName);
     /// Asks where to put a file and writes it whole or not at all.
     void saveFile(const QByteArray &data, const QString &suggestedName);
     /// The rendered document, or the message that there is none.
@@ -132,6 +147,7 @@ private:
     std::optional<QString> m_message;
     std::optional<QString> m_busy;
     bool m_showDisclaimer;
+    bool m_asking = false; ///< a question of ours stands open
     std::optional<DocumentSession> m_editing;
     std::optional<QMap<QString, QString>> m_profileEdits;
 };

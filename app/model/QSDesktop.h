@@ -29,12 +29,13 @@ public:
     QSDesktop(const QSDesktop &) = delete;
     QSDesktop &operator=(const QSDesktop &) = delete;
 
-    /// The path chosen in a save panel, which asks before it replaces a file; absent when
-    /// cancelled.
+    /// The path chosen in a save panel, with the suggested name's extension; absent when cancelled.
+    /// A file that is there already is only named once the person has agreed to replace it.
     [[nodiscard]] virtual std::optional<QString> chooseSavePath(const QString &suggestedName) = 0;
     /// Position of the button chosen.
     [[nodiscard]] virtual int ask(const Question &question) = 0;
-    virtual void openInBrowser(const QUrl &url) = 0;
+    /// False when there is no browser to open it.
+    [[nodiscard]] virtual bool openInBrowser(const QUrl &url) = 0;
     /// Shows the print panel and prints unless it is cancelled. Throws QSError when printing fails.
     virtual void print(const QSRendered &rendered) = 0;
 };

@@ -5,6 +5,9 @@
 
 #include <QList>
 
+#include <functional>
+#include <utility>
+
 /// Answers for the person in front of the program. Every call has to be expected: what a test did
 /// not prepare for shows up in `unexpected`, and what was prepared and never asked in the queues,
 /// so settled() is the test's last line.
@@ -13,6 +16,9 @@ class FakeDesktop final : public QSDesktop
 public:
     QList<std::optional<QString>> savePaths; ///< answers to come, first to last
     QList<int> answers;                      ///< buttons to press, first to last
+
+    bool hasBrowser = true;
+    std::function<void()> whileAsking; ///< what happens while the next question stands
 
     QStringList suggestedNames;
     QList<Question> questions;
@@ -38,6 +44,9 @@ public:
     int ask(const Question &question) override
     {
         questions.append(question);
+        if (whileAsking) {
+            std::exchange(whileAsking, {})();
+        }
         if (answers.isEmpty()) {
             unexpected.append(question.text);
             return question.cancel;
@@ -45,6 +54,10 @@ public:
         return answers.takeFirst();
     }
 
-    void openInBrowser(const QUrl &url) override { browsed.append(url); }
+    bool openInBrowser(const QUrl &url) override
+    {
+        browsed.append(url);
+        return hasBrowser;
+    }
     void print(const QSRendered &rendered) override { printed.append(rendered); }
 };

@@ -43,7 +43,8 @@ private Q_SLOTS:
         QTest::addColumn<QString>("kept");
         QTest::newRow("text") << QSFieldKind::text << u"Nguy\u1EC5n \u5F20\u4F1F"_s
                               << u"Nguy\u1EC5n \u5F20\u4F1F"_s;
-        QTest::newRow("lines") << QSFieldKind::multiline << u"one\n\n  two"_s << u"one\n\n  two"_s;
+        QTest::newRow("lines") << QSFieldKind::multiline << u"one\n\n  two\u00A0"_s
+                               << u"one\n\n  two\u00A0"_s;
         QTest::newRow("number") << QSFieldKind::number << u"12.50"_s << u"12.50"_s;
         QTest::newRow("a state's name is its code")
             << QSFieldKind::state << u"new york"_s << u"NY"_s;
@@ -98,6 +99,7 @@ private Q_SLOTS:
         QCOMPARE(edited.count(), typed.size());
         QCOMPARE(edited.last().at(1).toString(), typed);
         QCOMPARE(hint(*editor), said);
+        QVERIFY(line->accessibleDescription().endsWith(said)); // and for those who hear it
     }
 
     void theCalendarPicksADayByKeyboard()
@@ -129,7 +131,7 @@ private Q_SLOTS:
             QWidget parent;
             FieldEditor *editor = FieldEditor::make(field(static_cast<QSFieldKind>(kind)), &parent);
             QCOMPARE(editor->focusProxy()->accessibleName(), u"Label, required"_s);
-            QCOMPARE(editor->focusProxy()->accessibleDescription(), u"Fills from My Profile"_s);
+            QCOMPARE(editor->focusProxy()->accessibleDescription(), u"Fills from My Profile."_s);
         }
     }
 

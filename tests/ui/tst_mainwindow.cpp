@@ -74,7 +74,10 @@ private Q_SLOTS:
         press(Qt::Key_Return);
         QVERIFY(m_model->editing());
 
-        // the keyboard stands in the first empty field; Tab goes through all of them and back out
+        // the keyboard stands in a field; from the name, Tab goes through all of them in their
+        // order
+        QVERIFY(shown<FieldsPane>()->isAncestorOf(focused()));
+        focus("Document name")->setFocus();
         const QSTemplate *receipt = QSTemplates::templateById(u"rent-receipt");
         QStringList walked;
         for (int i = 0; i < 60 && walked.size() < receipt->fields.size(); ++i) {
@@ -140,12 +143,7 @@ private Q_SLOTS:
     {
         start(u"rent-receipt");
         const auto listed = [this] {
-            for (const QLabel *label : shown<FieldsPane>()->findChildren<QLabel *>()) {
-                if (label->text().startsWith(u"Still empty (printed as blank lines):"_s)) {
-                    return label->text();
-                }
-            }
-            return QString();
+            return texts().filter(u"Still empty (printed as blank lines):"_s).join(u' ');
         };
         QVERIFY(listed().contains(u"Received from (tenant)"_s));
         m_model->setProfileValue(u"fullName"_s, u"Rosa"_s);
@@ -214,6 +212,35 @@ private Q_SLOTS:
         press(Qt::Key_Delete);
         QVERIFY(texts().contains(u"No documents yet. Start one from the Vell Templates screen."_s));
         QVERIFY(!button(u"Open"_s)->isEnabled());
+    }
+
+    void theSelectionGoesWithAChangedDocument()
+    {
+        for (const QString &title : {u"older"_s, u"newer"_s}) {
+            QSDocument document;
+            document.templateID = u"rent-receipt"_s;
+            document.title = title;
+            QSStore::shared()->save(document);
+        }
+        press(Qt::Key_4, Qt::ControlModifier);
+        auto *table = shown<QTableView>();
+        table->selectRow(1);
+        table->setFocus();
+        press(Qt::Key_Return);
+        QCOMPARE(m_model->editing()->document().title, u"older"_s);
+        press(Qt::Key_S, Qt::ControlModifier);
+        press(Qt::Key_W, Qt::ControlModifier);
+        QCOMPARE(focused(), table);
+        QCOMPARE(table->currentIndex().data().toString(), u"older"_s);
+    }
+
+    void theSidebarLeadsBackFromTheEditor()
+    {
+        start(u"rent-receipt");
+        auto *list = qobject_cast<QListWidget *>(focus("Screens"));
+        QTest::mouseClick(list->viewport(), Qt::LeftButton, {},
+                          list->visualItemRect(list->item(0)).center());
+        QTRY_VERIFY(!m_model->editing());
     }
 
     void theDisclaimerComesUntilItIsAccepted()

@@ -8,7 +8,9 @@
 #include "VxText.h"
 #include "screens/ExportMenu.h"
 
+#include <QGuiApplication>
 #include <QHBoxLayout>
+#include <QInputMethod>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -17,11 +19,24 @@
 
 using namespace Qt::Literals::StringLiterals;
 
+namespace {
+/// The answers of a document whose template is missing, each under its key: nothing typed is gone.
+QSTemplate bareFields(const QSDocument &document)
+{
+    QSTemplate bare;
+    for (const QString &key : document.values.keys()) {
+        bare.fields.append({key, key, QSFieldKind::multiline, std::nullopt, false});
+    }
+    return bare;
+}
+} // namespace
+
 DocumentEditor::DocumentEditor(AppModel &model, QWidget *parent)
     : QWidget(parent),
       m_model(model),
       m_name(new QLineEdit(this)),
       m_state(VxText::make({}, VxText::Role::note, this)),
+      m_stillEmpty(VxText::make({}, VxText::Role::note, this)),
       m_fields(new FieldsPane(this)),
       m_preview(new PaperPreview(this))
 {
@@ -37,6 +52,7 @@ DocumentEditor::DocumentEditor(AppModel &model, QWidget *parent)
     column->addWidget(createCommands());
     column->addWidget(split, 1);
     connectModel();
+    openDocument();
 }
 
 QWidget *DocumentEditor::createCommands()
@@ -67,16 +83,15 @@ QWidget *DocumentEditor::createCommands()
     connect(fill, &QPushButton::clicked, &m_model, &AppModel::fillFromProfile);
     connect(save, &QPushButton::clicked, &m_model, &AppModel::saveEdited);
     connect(close, &QPushButton::clicked, &m_model, &AppModel::closeEditor);
-    connect(print, &QPushButton::clicked, this,
-            [this] { m_model.print(m_model.editing()->document()); });
-    ExportMenu::attach(formats, this, [this](QSExport::Format format) {
-        m_model.exportDocument(m_model.editing()->document(), format);
-    });
+    connect(print, &QPushButton::clicked, &m_model, &AppModel::printEdited);
+    ExportMenu::attach(formats, this,
+                       [this](QSExport::Format format) { m_model.exportEdited(format); });
 
     auto *column = new QVBoxLayout(bar);
     column->setContentsMargins({});
     column->addLayout(buttons);
     column->addLayout(names);
+    column->addWidget(m_stillEmpty);
     return bar;
 }
 
@@ -84,10 +99,14 @@ void DocumentEditor::connectModel()
 {
     connect(&m_model, &AppModel::editingChanged, this, &DocumentEditor::openDocument);
     connect(&m_model, &AppModel::editedDocumentChanged, this, &DocumentEditor::reload);
+    connect(&m_model, &AppModel::editsWanted, this,
+            [] { QGuiApplication::inputMethod()->commit(); });
     connect(m_fields, &FieldsPane::edited, this, &DocumentEditor::valueEdited);
     connect(m_name, &QLineEdit::textEdited, this, [this](const QString &title) {
-        m_model.setEditedTitle(title);
-        showState();
+        if (m_model.editing()) {
+            m_model.setEditedTitle(title);
+            showState();
+        }
     });
 }
 
@@ -99,28 +118,35 @@ void DocumentEditor::openDocument()
     }
     const QSDocument &document = m_model.editing()->document();
     const QSTemplate *source = QSTemplates::templateById(document.templateID);
-    m_fields->setTemplate(source ? *source : QSTemplate());
-    reload();
+    m_fields->setTemplate(source ? *source : bareFields(document));
+    m_fields->chainTabOrder(m_name, m_preview);
+    showAnswers();
     m_preview->open(AppModel::render(document).value_or(QSRendered()));
 }
 
-void DocumentEditor::reload()
+void DocumentEditor::showAnswers()
 {
     const QSDocument &document = m_model.editing()->document();
     if (m_name->text() != document.title) {
         m_name->setText(document.title);
     }
     m_fields->setValues(document.values);
-    m_preview->update(AppModel::render(document).value_or(QSRendered()));
     showState();
+}
+
+void DocumentEditor::reload()
+{
+    showAnswers();
+    m_preview->follow(AppModel::render(m_model.editing()->document()).value_or(QSRendered()));
 }
 
 void DocumentEditor::valueEdited(const QString &key, const QString &value)
 {
+    if (!m_model.editing()) { // an input method hands over its last letters when focus leaves
+        return;
+    }
     m_model.setEditedValue(key, value);
-    const QSDocument &document = m_model.editing()->document();
-    m_fields->showEmptyFields(document.values);
-    m_preview->update(AppModel::render(document).value_or(QSRendered()));
+    m_preview->follow(AppModel::render(m_model.editing()->document()).value_or(QSRendered()));
     showState();
 }
 
@@ -133,6 +159,9 @@ void DocumentEditor::showState()
     } else {
         m_state->setText(session.document().id ? u"Saved"_s : QString());
     }
+    const QStringList empty = m_fields->emptyFields();
+    m_stillEmpty->setVisible(!empty.isEmpty());
+    m_stillEmpty->setText(u"Still empty (printed as blank lines): "_s + empty.join(u", "_s));
 }
 
 void DocumentEditor::focusFirstField()

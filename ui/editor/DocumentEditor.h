@@ -24,6 +24,7 @@ private:
     [[nodiscard]] QWidget *createCommands();
     void connectModel();
     void openDocument();
+    void showAnswers();
     void reload();
     void valueEdited(const QString &key, const QString &value);
     void showState();
@@ -31,6 +32,7 @@ private:
     AppModel &m_model;
     QLineEdit *m_name;
     QLabel *m_state;
+    QLabel *m_stillEmpty;
     FieldsPane *m_fields;
     PaperPreview *m_preview;
 };

@@ -50,7 +50,6 @@ QWidget *FieldEditor::createLabelRow()
     auto *row = new QWidget(this);
     auto *layout = new QHBoxLayout(row);
     layout->setContentsMargins({});
-    m_label->setTextInteractionFlags(Qt::NoTextInteraction);
     layout->addWidget(m_label, 1);
     if (m_field.profileKey) {
         const QString hint = u"Fills from My Profile"_s;
@@ -73,21 +72,27 @@ void FieldEditor::setControl(QWidget *control)
         name += u", required"_s;
     }
     control->setAccessibleName(name);
-    if (m_field.profileKey) {
-        control->setAccessibleDescription(u"Fills from My Profile"_s);
-    }
     m_controlRow->addWidget(control, 1);
+    m_controls.append(control);
+    setHint({});
 }
 
 void FieldEditor::addBeside(QWidget *widget)
 {
     m_controlRow->addWidget(widget);
+    m_controls.append(widget);
 }
 
 void FieldEditor::setHint(const QString &text)
 {
     m_hint->setText(text);
     m_hint->setVisible(!text.isEmpty());
+    QStringList described;
+    if (m_field.profileKey) {
+        described.append(u"Fills from My Profile."_s);
+    }
+    described.append(text);
+    m_controls.constFirst()->setAccessibleDescription(described.join(u' ').trimmed());
 }
 
 void FieldEditor::setValue(const QString &text)

@@ -19,6 +19,8 @@ public:
 
     [[nodiscard]] const QSField &field() const { return m_field; }
     [[nodiscard]] virtual QString value() const = 0;
+    /// What Tab stops at, in its order.
+    [[nodiscard]] const QList<QWidget *> &controls() const { return m_controls; }
     /// Shows a value without reporting it as edited. What is shown stays where the value is the
     /// same, so that the text cursor does too.
     void setValue(const QString &value);
@@ -47,5 +49,6 @@ private:
     QLabel *m_label;
     QLabel *m_hint;
     QHBoxLayout *m_controlRow;
+    QList<QWidget *> m_controls;
     bool m_showing = false; ///< setValue() is at work
 };

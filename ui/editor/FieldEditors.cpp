@@ -9,6 +9,7 @@
 #include <QComboBox>
 #include <QLineEdit>
 #include <QPlainTextEdit>
+#include <QTextBlock>
 #include <QWheelEvent>
 
 using namespace Qt::Literals::StringLiterals;
@@ -130,7 +131,12 @@ MultilineFieldEditor::MultilineFieldEditor(const QSField &field, QWidget *parent
 
 QString MultilineFieldEditor::value() const
 {
-    return m_text->toPlainText();
+    // toPlainText() would turn no-break spaces into plain ones
+    QStringList lines;
+    for (QTextBlock line = m_text->document()->begin(); line.isValid(); line = line.next()) {
+        lines.append(line.text());
+    }
+    return lines.join(u'\n');
 }
 
 void MultilineFieldEditor::showValue(const QString &value)

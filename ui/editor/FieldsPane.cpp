@@ -1,9 +1,7 @@
 #include "FieldsPane.h"
 
 #include "FieldEditor.h"
-#include "VxText.h"
 
-#include <QLabel>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -33,8 +31,6 @@ void FieldsPane::setTemplate(const QSTemplate &source)
         column->addWidget(editor);
         m_editors.append(editor);
     }
-    m_stillEmpty = VxText::make({}, VxText::Role::note, content);
-    column->addWidget(m_stillEmpty);
     column->addStretch();
     setWidget(content);
     viewport()->setAutoFillBackground(false);
@@ -45,19 +41,28 @@ void FieldsPane::setValues(const QSValues &values)
     for (FieldEditor *editor : m_editors) {
         editor->setValue(values.value(editor->field().key));
     }
-    showEmptyFields(values);
 }
 
-void FieldsPane::showEmptyFields(const QSValues &values)
+QStringList FieldsPane::emptyFields() const
 {
     QStringList labels;
     for (const FieldEditor *editor : m_editors) {
-        if (values.value(editor->field().key).trimmed().isEmpty()) {
+        if (editor->value().trimmed().isEmpty()) {
             labels.append(editor->field().label);
         }
     }
-    m_stillEmpty->setVisible(!labels.isEmpty());
-    m_stillEmpty->setText(u"Still empty (printed as blank lines): "_s + labels.join(u", "_s));
+    return labels;
+}
+
+void FieldsPane::chainTabOrder(QWidget *before, QWidget *after)
+{
+    for (FieldEditor *editor : m_editors) {
+        for (QWidget *control : editor->controls()) {
+            QWidget::setTabOrder(before, control);
+            before = control;
+        }
+    }
+    QWidget::setTabOrder(before, after);
 }
 
 void FieldsPane::focusFirst(const QSValues &values)
@@ -68,5 +73,9 @@ void FieldsPane::focusFirst(const QSValues &values)
     const auto empty = std::ranges::find_if(m_editors, [&values](const FieldEditor *editor) {
         return values.value(editor->field().key).isEmpty();
     });
-    (empty == m_editors.end() ? m_editors.constFirst() : *empty)->setFocus();
+    FieldEditor *first = empty == m_editors.end() ? m_editors.constFirst() : *empty;
+    first->setFocus();
+    // once the pane has its size
+    QMetaObject::invokeMethod(
+        first, [this, first] { ensureWidgetVisible(first); }, Qt::QueuedConnection);
 }

@@ -6,9 +6,8 @@
 #include <QScrollArea>
 
 class FieldEditor;
-class QLabel;
 
-/// The column of a template's fields, in file order, and the line that lists those still empty.
+/// The column of a template's fields, in file order.
 class FieldsPane final : public QScrollArea
 {
     Q_OBJECT
@@ -20,8 +19,10 @@ public:
     void setTemplate(const QSTemplate &source);
     /// Shows a document's answers.
     void setValues(const QSValues &values);
-    /// Lists the fields without an answer.
-    void showEmptyFields(const QSValues &values);
+    /// Labels of the fields without an answer.
+    [[nodiscard]] QStringList emptyFields() const;
+    /// Puts the fields, in their order, between two widgets on Tab's way.
+    void chainTabOrder(QWidget *before, QWidget *after);
     /// Puts the keyboard into the first field without an answer, or into the first field.
     void focusFirst(const QSValues &values);
 
@@ -30,5 +31,4 @@ Q_SIGNALS:
 
 private:
     QList<FieldEditor *> m_editors;
-    QLabel *m_stillEmpty = nullptr;
 };

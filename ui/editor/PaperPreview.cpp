@@ -35,17 +35,15 @@ void PaperPreview::open(const QSRendered &rendered)
     m_layout.update(rendered);
     fitScrollBar();
     verticalScrollBar()->setValue(0);
-    setAccessibleDescription(rendered.plainText());
     viewport()->update();
 }
 
-void PaperPreview::update(const QSRendered &rendered)
+void PaperPreview::follow(const QSRendered &rendered)
 {
     const int changed = firstDifference(m_rendered.blocks, rendered.blocks);
     const int pagesBefore = m_layout.pageCount();
     m_rendered = rendered;
     m_layout.update(rendered);
-    setAccessibleDescription(rendered.plainText());
     if (m_layout.pageCount() != pagesBefore) {
         fitScrollBar();
     }
@@ -98,6 +96,13 @@ void PaperPreview::reveal(int block)
     } else if (top < 0 && bottom < room / 3) {
         verticalScrollBar()->setValue(qRound(verticalScrollBar()->value() + top - room / 3));
     }
+}
+
+void PaperPreview::focusInEvent(QFocusEvent *event)
+{
+    setAccessibleDescription(m_rendered.plainText()); // the paper, to those who hear it
+    QAbstractScrollArea::focusInEvent(event);
+    viewport()->update();
 }
 
 void PaperPreview::resizeEvent(QResizeEvent *event)

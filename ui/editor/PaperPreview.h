@@ -16,9 +16,10 @@ public:
     /// Shows another document from its top.
     void open(const QSRendered &rendered);
     /// Shows the same document after a change, and brings the change into view.
-    void update(const QSRendered &rendered);
+    void follow(const QSRendered &rendered);
 
 protected:
+    void focusInEvent(QFocusEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
 

@@ -69,7 +69,8 @@ QFrame#rail { background: qlineargradient(x1:0, y1:0, x2:0, y2:1, stop:0 PANELTO
 QFrame#footer { background: PANELBOTTOM; border: none; border-top: 1px solid EDGE; }
 QFrame#message { background: PANELBOTTOM; border: 1px solid ACCENT; border-radius: 0.5em; }
 
-QScrollArea { background: transparent; border: none; }
+QScrollArea { background: transparent; border: 2px solid transparent; border-radius: 0.6em; }
+QScrollArea:focus { border-color: ACCENT; }
 QScrollArea > QWidget > QWidget[clear="true"] { background: transparent; }
 QScrollBar:vertical { background: transparent; width: 0.9em; margin: 0; }
 QScrollBar:horizontal { background: transparent; height: 0.9em; margin: 0; }

@@ -38,7 +38,8 @@ double VellTheme::contrast(RGB a, RGB b)
 
 VellTheme::RGB VellTheme::readableOn(RGB colour) const
 {
-    return contrast(text, colour) >= contrast(bg, colour) ? text : bg;
+    return std::ranges::max({text, bg, RGB(0x000000), RGB(0xFFFFFF)}, {},
+                            [colour](RGB each) { return contrast(each, colour); });
 }
 
 namespace VellThemes {

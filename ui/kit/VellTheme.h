@@ -44,7 +44,7 @@ struct VellTheme
 
     /// Contrast ratio of two colours as WCAG 2 defines it, 1 to 21.
     [[nodiscard]] static double contrast(RGB a, RGB b);
-    /// Of the theme's text and background, the one that reads better on a colour.
+    /// Of the theme's text and background, black and white, what reads best on a colour.
     [[nodiscard]] RGB readableOn(RGB colour) const;
 };
 

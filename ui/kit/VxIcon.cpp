@@ -95,12 +95,4 @@ QIcon named(const QString &symbol, const QColor &colour)
     const QColor tint = colour.isValid() ? colour : VellThemes::current().text.color();
     return QIcon(new TintedEngine(file.readAll(), tint));
 }
-
-QStringList symbols()
-{
-    QStringList names;
-    std::ranges::transform(drawings, std::back_inserter(names),
-                           [](const Drawing &drawing) { return drawing.symbol.toString(); });
-    return names;
-}
 } // namespace VxIcon

@@ -10,6 +10,4 @@ namespace VxIcon {
 /// The icon of a symbol in the theme's text colour, or in a colour of the caller's. An empty icon
 /// for a symbol that the icon table lacks.
 [[nodiscard]] QIcon named(const QString &symbol, const QColor &colour = {});
-/// The symbols that the icon table maps.
-[[nodiscard]] QStringList symbols();
 } // namespace VxIcon

@@ -15,6 +15,7 @@ VxMessageBar::VxMessageBar(QWidget *parent)
     : QFrame(parent),
       m_icon(new QLabel(this)),
       m_text(VxText::make({}, VxText::Role::body, this)),
+      m_busy(VxText::make({}, VxText::Role::body, this)),
       m_bar(new QProgressBar(this)),
       m_dismiss(new QToolButton(this))
 {
@@ -34,26 +35,32 @@ VxMessageBar::VxMessageBar(QWidget *parent)
     row->setContentsMargins(em / 2, em / 3, em / 2, em / 3);
     row->addWidget(m_icon);
     row->addWidget(m_text, 1);
-    row->addWidget(m_bar);
     row->addWidget(m_dismiss);
+    row->addWidget(m_busy);
+    row->addWidget(m_bar);
     hide();
 }
 
-void VxMessageBar::show(const QString &message, const QString &busy)
+void VxMessageBar::display(const QString &message, const QString &busy)
 {
-    const QString text = busy.isEmpty() ? message : busy;
-    m_bar->setVisible(!busy.isEmpty());
-    m_icon->setVisible(busy.isEmpty());
-    m_dismiss->setVisible(busy.isEmpty());
-    m_text->setText(text);
-    setVisible(!text.isEmpty());
-    if (!text.isEmpty()) {
-        announce(text);
+    for (const auto &[label, text] : {std::pair(m_text, message), std::pair(m_busy, busy)}) {
+        if (label->text() != text) {
+            label->setText(text);
+            announce(text);
+        }
+        label->setVisible(!text.isEmpty());
     }
+    m_bar->setVisible(!busy.isEmpty());
+    m_icon->setVisible(!message.isEmpty());
+    m_dismiss->setVisible(!message.isEmpty());
+    setVisible(!message.isEmpty() || !busy.isEmpty());
 }
 
 void VxMessageBar::announce(const QString &text)
 {
+    if (text.isEmpty()) {
+        return;
+    }
     setAccessibleName(text);
     QAccessibleEvent event(this, QAccessible::Alert);
     QAccessible::updateAccessibility(&event);

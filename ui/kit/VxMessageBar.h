@@ -7,8 +7,7 @@ class QProgressBar;
 class QToolButton;
 
 /// One line of the window for what just happened or is going on: a sentence that stays until it
-/// is dismissed or replaced, or a busy text with a moving bar. Hidden while there is neither.
-/// Screen readers hear each new text.
+/// is dismissed or replaced, and a busy text with a moving bar. Hidden while there is neither.
 class VxMessageBar final : public QFrame
 {
     Q_OBJECT
@@ -16,8 +15,8 @@ class VxMessageBar final : public QFrame
 public:
     explicit VxMessageBar(QWidget *parent = nullptr);
 
-    /// The sentence and the busy text to show, each empty for none; the busy text comes first.
-    void show(const QString &message, const QString &busy);
+    /// The sentence and the busy text to show, each empty for none.
+    void display(const QString &message, const QString &busy);
 
 Q_SIGNALS:
     /// The user has read the sentence.
@@ -28,6 +27,7 @@ private:
 
     QLabel *m_icon;
     QLabel *m_text;
+    QLabel *m_busy;
     QProgressBar *m_bar;
     QToolButton *m_dismiss;
 };

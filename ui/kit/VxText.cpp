@@ -23,7 +23,6 @@ QLabel *make(const QString &text, Role role, QWidget *parent)
     auto *label = new QLabel(text, parent);
     label->setTextFormat(Qt::PlainText);
     label->setWordWrap(true);
-    label->setTextInteractionFlags(Qt::TextSelectableByMouse);
     const Look &look = looks.at(static_cast<std::size_t>(role));
     label->setProperty("role", QLatin1StringView(look.name));
     QFont font = label->font();

@@ -14,6 +14,6 @@ enum class Role {
     note ///< secondary, dimmer text
 };
 
-/// A wrapping label of plain text that can be selected by mouse; the caller's layout owns it.
+/// A wrapping label of plain text; the caller's layout owns it.
 [[nodiscard]] QLabel *make(const QString &text, Role role, QWidget *parent = nullptr);
 } // namespace VxText

@@ -3,6 +3,7 @@
 #include "QSDate.h"
 #include "QSTemplates.h"
 
+#include <algorithm>
 #include <array>
 
 namespace {
@@ -38,6 +39,12 @@ void DocumentsModel::setDocuments(const QList<QSDocument> &documents)
 const QSDocument *DocumentsModel::documentAt(int row) const
 {
     return row >= 0 && row < m_documents.size() ? &m_documents.at(row) : nullptr;
+}
+
+int DocumentsModel::rowOf(std::optional<qint64> id) const
+{
+    const auto found = std::ranges::find(m_documents, id, &QSDocument::id);
+    return found == m_documents.end() ? -1 : static_cast<int>(found - m_documents.begin());
 }
 
 int DocumentsModel::rowCount(const QModelIndex &parent) const

@@ -16,6 +16,8 @@ public:
     void setDocuments(const QList<QSDocument> &documents);
     /// Null for a row that is not there.
     [[nodiscard]] const QSDocument *documentAt(int row) const;
+    /// Row of the document with that id; -1 when there is none.
+    [[nodiscard]] int rowOf(std::optional<qint64> id) const;
 
     [[nodiscard]] int rowCount(const QModelIndex &parent = {}) const override;
     [[nodiscard]] int columnCount(const QModelIndex &parent = {}) const override;

@@ -19,8 +19,7 @@ DocumentsView::DocumentsView(AppModel &model, QWidget *parent)
     : QWidget(parent),
       m_model(model),
       m_table(new QTableView(this)),
-      m_empty(VxText::make(u"No documents yet. Start one from the Vell Templates screen."_s,
-                           VxText::Role::note, this))
+      m_empty(VxText::make({}, VxText::Role::note, this))
 {
     const QString heading = u"Filled Vell templates"_s;
     createTable();
@@ -28,12 +27,13 @@ DocumentsView::DocumentsView(AppModel &model, QWidget *parent)
     auto *column = new QVBoxLayout(this);
     column->setContentsMargins({});
     column->addWidget(VxText::make(heading, VxText::Role::heading, this));
+    column->addWidget(createButtons());
     column->addWidget(m_empty);
     column->addWidget(m_table, 1);
-    column->addWidget(createButtons());
     column->addStretch();
     connectActions();
     enableButtons();
+    setFocusProxy(m_table);
 }
 
 void DocumentsView::createTable()
@@ -49,9 +49,9 @@ void DocumentsView::createTable()
     m_table->verticalHeader()->setDefaultSectionSize(fontMetrics().height() * 2);
     QHeaderView *header = m_table->horizontalHeader();
     header->setHighlightSections(false);
-    header->setSectionResizeMode(0, QHeaderView::Stretch);
-    header->resizeSection(1, fontMetrics().averageCharWidth() * 34);
-    header->resizeSection(2, fontMetrics().averageCharWidth() * 26);
+    header->setSectionResizeMode(QHeaderView::Stretch);
+    header->setSectionResizeMode(2, QHeaderView::ResizeToContents);
+    header->setResizeContentsPrecision(20); // rows looked at; all stamps are about as long
 }
 
 QWidget *DocumentsView::createButtons()
@@ -108,12 +108,18 @@ void DocumentsView::showEvent(QShowEvent *event)
 void DocumentsView::reload()
 {
     const int row = m_table->currentIndex().row();
-    m_documents.setDocuments(m_model.documents());
+    const QSDocument *chosen = selected();
+    const std::optional<qint64> id = chosen ? chosen->id : std::nullopt;
+    const std::optional<QList<QSDocument>> documents = m_model.documents();
+    m_documents.setDocuments(documents.value_or(QList<QSDocument>()));
+    m_empty->setText(documents ? u"No documents yet. Start one from the Vell Templates screen."_s
+                               : u"Your documents could not be read."_s);
     const int rows = m_documents.rowCount();
     m_table->setVisible(rows > 0);
     m_empty->setVisible(rows == 0);
-    if (rows > 0) {
-        m_table->selectRow(qBound(0, row, rows - 1));
+    if (rows > 0) { // a changed document moves to the top, and the selection goes with it
+        const int moved = m_documents.rowOf(id);
+        m_table->selectRow(moved >= 0 ? moved : qBound(0, row, rows - 1));
     }
     enableButtons();
 }

@@ -6,6 +6,7 @@
 #include "VxText.h"
 
 #include <QGridLayout>
+#include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -23,6 +24,7 @@ ProfileView::ProfileView(AppModel &model, QWidget *parent) : QWidget(parent), m_
     auto *column = new QVBoxLayout(this);
     column->setContentsMargins({});
     column->addWidget(area);
+    setFocusProxy(m_lines.value(QSProfile::fields.front().key.toString()));
 }
 
 QWidget *ProfileView::createFields()
@@ -53,10 +55,7 @@ QWidget *ProfileView::createFields()
         ++row;
     }
     panel->column()->addLayout(grid);
-    auto *save = new QPushButton(u"Save profile"_s, panel);
-    save->setProperty("primary", true);
-    connect(save, &QPushButton::clicked, &m_model, &AppModel::saveProfile);
-    panel->column()->addWidget(save, 0, Qt::AlignLeft);
+    panel->column()->addWidget(createSaveRow());
 
     auto *column = new QVBoxLayout(page);
     column->setContentsMargins({});
@@ -64,6 +63,23 @@ QWidget *ProfileView::createFields()
     column->addStretch();
     panel->setMaximumWidth(fontMetrics().height() * 44);
     return page;
+}
+
+QWidget *ProfileView::createSaveRow()
+{
+    auto *row = new QWidget(this);
+    auto *layout = new QHBoxLayout(row);
+    layout->setContentsMargins({});
+    auto *save = new QPushButton(u"Save profile"_s, row);
+    save->setProperty("primary", true);
+    connect(save, &QPushButton::clicked, &m_model, &AppModel::saveProfile);
+    m_state = VxText::make({}, VxText::Role::note, row);
+    connect(&m_model, &AppModel::profileEdited, this, [this] {
+        m_state->setText(m_model.hasUnsavedProfile() ? u"Not saved yet"_s : u"Saved"_s);
+    });
+    layout->addWidget(save);
+    layout->addWidget(m_state, 1);
+    return row;
 }
 
 void ProfileView::showEvent(QShowEvent *event)

@@ -4,6 +4,7 @@
 #include <QWidget>
 
 class AppModel;
+class QLabel;
 class QLineEdit;
 
 /// My Profile: the answers about themselves that fill new documents.
@@ -19,7 +20,9 @@ protected:
 
 private:
     [[nodiscard]] QWidget *createFields();
+    [[nodiscard]] QWidget *createSaveRow();
 
     AppModel &m_model;
     QMap<QString, QLineEdit *> m_lines;
+    QLabel *m_state = nullptr;
 };

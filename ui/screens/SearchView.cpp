@@ -9,6 +9,7 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
+#include <QScrollBar>
 #include <QVBoxLayout>
 
 using namespace Qt::Literals::StringLiterals;
@@ -88,8 +89,12 @@ SearchView::SearchView(AppModel &model, QWidget *parent) : QScrollArea(parent), 
     m_column->addWidget(m_nothing);
     m_column->addStretch();
     setWidget(content);
-    connect(&m_model, &AppModel::searchChanged, this, &SearchView::reload);
+    connect(&m_model, &AppModel::searchChanged, this, [this] {
+        reload();
+        verticalScrollBar()->setValue(0);
+    });
     connect(&m_model, &AppModel::revisionChanged, this, &SearchView::reload);
+    reload();
 }
 
 HitRow *SearchView::row(int index)
@@ -97,6 +102,9 @@ HitRow *SearchView::row(int index)
     while (m_rows.size() <= index) {
         auto *fresh = new HitRow(m_model, widget());
         m_column->insertWidget(m_column->count() - 1, fresh);
+        if (!m_rows.isEmpty()) {
+            setTabOrder(m_rows.constLast()->button(), fresh->button());
+        }
         m_rows.append(fresh);
     }
     return m_rows.at(index);

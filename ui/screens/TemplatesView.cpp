@@ -65,6 +65,7 @@ TemplatesView::TemplatesView(AppModel &model, QWidget *parent)
     });
     connect(m_list, &QListWidget::itemActivated, this, &TemplatesView::start);
     connect(&m_model, &AppModel::selectionChanged, this, &TemplatesView::showSelection);
+    setFocusProxy(m_list);
     showSelection();
 }
 
