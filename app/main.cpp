@@ -5,16 +5,20 @@
 
 #include <QApplication>
 
+#include <algorithm>
+#include <array>
 #include <cstdio>
 
 namespace {
 /// Modes without a window run where there is no display.
 bool isHeadless(const QStringList &arguments)
 {
-    return arguments.contains(QSSnapshot::flag);
+    return std::ranges::any_of(
+        std::array{QSSnapshot::flag, QStringLiteral("--check-links"), QStringLiteral("--selftest")},
+        [&arguments](const QString &flag) { return arguments.contains(flag); });
 }
 
-/// Qt ends the process without a word to the user when it finds no display.
+/// Where Qt finds no display it aborts the process with a report meant for developers.
 bool displayIsMissing(const QStringList &arguments)
 {
     return qEnvironmentVariableIsEmpty("DISPLAY") &&

@@ -26,7 +26,7 @@ class NobodysDesktop final : public QSDesktop
 public:
     std::optional<QString> chooseSavePath(const QString &) override { return std::nullopt; }
     int ask(const Question &question) override { return question.cancel; }
-    void openInBrowser(const QUrl &) override {}
+    bool openInBrowser(const QUrl &) override { return false; }
     void print(const QSRendered &) override {}
 };
 
@@ -109,6 +109,8 @@ QSDocument saveSample(QSStore &store)
 void photographScreens(Album &album, AppModel &model, const QSDocument &sample)
 {
     MainWindow window(model);
+    const int em = window.fontMetrics().height();
+    window.resize(em * 72, em * 46); // whatever the size of the screen that there is not
     window.show();
     album.add(window, u"templates"_s);
     model.show(Screen::documents);
@@ -142,6 +144,10 @@ void exportSample(Album &album, const QSDocument &sample)
 int photograph(const QString &path)
 {
     const QTemporaryDir scratch;
+    if (!scratch.isValid()) {
+        std::fprintf(stderr, "%s\n", qPrintable(scratch.errorString()));
+        return 1;
+    }
     QSInfo::setDataFolderOverride(scratch.filePath(u"data"_s));
     QSPrefs::setFileOverride(scratch.filePath(u"preferences.ini"_s));
     QSPrefs::setDisclaimerAccepted(true);
@@ -158,8 +164,7 @@ int photograph(const QString &path)
         photographScreens(album, model, sample);
         exportSample(album, sample);
     } catch (const QSError &error) {
-        std::fprintf(stderr, "%s\n", error.what());
-        return 1;
+        album.tell(QString::fromUtf8(error.what()), false);
     }
     QSStore::setShared(nullptr);
     return album.complete() ? 0 : 1;

@@ -5,6 +5,7 @@
 #include "QSError.h"
 #include "QSInfo.h"
 #include "QSStore.h"
+#include "QSTemplates.h"
 #include "QSThemes.h"
 #include "VellAbout.h"
 #include "VellStyle.h"
@@ -12,6 +13,26 @@
 #include <QApplication>
 
 using namespace Qt::Literals::StringLiterals;
+
+namespace {
+/// Replaces the program's store. The former one goes first: a database may be open only once in a
+/// process, for the locks of its file belong to the process.
+void open(const QUrl &url)
+{
+    QSStore::setShared(nullptr);
+    QSStore::setShared(std::make_unique<QSStore>(url, QSStore::Indexing::later));
+}
+
+/// What of the shipped content is missing, for the person who installed it badly.
+QString missingContent()
+{
+    QStringList problems = QSTemplates::loadProblems();
+    if (!QSDirectory::loadError().isEmpty()) {
+        problems.append(QSDirectory::loadError());
+    }
+    return problems.join(u" "_s);
+}
+} // namespace
 
 namespace QSSetup {
 void configure()
@@ -30,8 +51,9 @@ std::optional<QString> openStore()
     const QUrl url = QSInfo::databaseURL();
     QString problem;
     try {
-        QSStore::setShared(std::make_unique<QSStore>(url));
-        return std::nullopt;
+        open(url);
+        const QString missing = missingContent();
+        return missing.isEmpty() ? std::nullopt : std::optional(missing);
     } catch (const QSError &error) {
         problem =
             u"Your documents database could not be opened (%1). It was left untouched at %2."_s.arg(
@@ -40,12 +62,10 @@ std::optional<QString> openStore()
     const QString beside =
         u"Quillstone (opened %1).sqlite"_s.arg(QSDate::iso(QDate::currentDate()));
     try {
-        QSStore::setShared(
-            std::make_unique<QSStore>(QUrl::fromLocalFile(QSInfo::dataFolder().filePath(beside))));
+        open(QUrl::fromLocalFile(QSInfo::dataFolder().filePath(beside)));
         return problem + u" A new empty database was opened instead; a backup can be restored "_s
                          "from Backup & Settings."_s;
     } catch (const QSError &error) {
-        QSStore::setShared(nullptr);
         return problem +
                u" No new database could be opened either (%1), so nothing can be saved."_s.arg(
                    error.description());

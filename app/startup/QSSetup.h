@@ -10,7 +10,8 @@ namespace QSSetup {
 /// Registers the program's theme, gives the interface its look and fills the About box.
 void configure();
 
-/// Opens the documents database. When it can't be opened it is left as it is, a new one with the
-/// day's date in its name is opened beside it, and the sentence to show about that is returned.
+/// Opens the documents database, its search index still to be filled. When it can't be opened it is
+/// left as it is, a new one with the day's date in its name is opened beside it, and the sentence
+/// to show about that is returned; so too what is wrong with the shipped templates and directory.
 [[nodiscard]] std::optional<QString> openStore();
 } // namespace QSSetup

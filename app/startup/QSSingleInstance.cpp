@@ -36,7 +36,14 @@ QSSingleInstance::QSSingleInstance(const QString &dataFolder, QObject *parent)
         listen();
     } else if (m_lock.error() == QLockFile::LockFailedError) {
         m_first = false;
-        callFirst();
+        if (!callFirst()) {
+            qint64 process = 0;
+            QString host;
+            QString name;
+            m_lock.getLockInfo(&process, &host, &name);
+            qWarning("The program already runs as process %lld on %s and does not answer.",
+                     static_cast<long long>(process), qUtf8Printable(host));
+        }
     }
 }
 
@@ -58,7 +65,7 @@ void QSSingleInstance::listen()
     }
 }
 
-void QSSingleInstance::callFirst() const
+bool QSSingleInstance::callFirst() const
 {
     QElapsedTimer clock;
     clock.start();
@@ -67,8 +74,9 @@ void QSSingleInstance::callFirst() const
         socket.connectToServer(m_socketName);
         if (socket.waitForConnected(betweenTries)) {
             socket.disconnectFromServer();
-            return;
+            return true;
         }
         QThread::msleep(betweenTries);
     }
+    return false;
 }

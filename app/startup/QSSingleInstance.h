@@ -30,7 +30,8 @@ Q_SIGNALS:
 
 private:
     void listen();
-    void callFirst() const;
+    /// False when it does not answer in time.
+    [[nodiscard]] bool callFirst() const;
 
     QLockFile m_lock;
     QString m_socketName;

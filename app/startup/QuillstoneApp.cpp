@@ -1,12 +1,46 @@
 #include "QuillstoneApp.h"
 
+#include "OfficeConverter.h"
 #include "QSInfo.h"
 #include "QSSetup.h"
+
+#include <QApplication>
+#include <QEvent>
+#include <QSessionManager>
+#include <QTimer>
+
+#include <functional>
+
+namespace {
+/// Calls back once, when a window has been painted for the first time.
+class AfterFirstPaint final : public QObject
+{
+public:
+    AfterFirstPaint(QWidget *window, std::function<void()> callback)
+        : QObject(window), m_callback(std::move(callback))
+    {
+        window->installEventFilter(this);
+    }
+
+    bool eventFilter(QObject *window, QEvent *event) override
+    {
+        if (event->type() == QEvent::Paint) {
+            window->removeEventFilter(this);
+            QTimer::singleShot(0, this, m_callback); // once the whole window is on the screen
+        }
+        return false;
+    }
+
+private:
+    std::function<void()> m_callback;
+};
+} // namespace
 
 QuillstoneApp::QuillstoneApp() = default;
 
 QuillstoneApp::~QuillstoneApp()
 {
+    OfficeConverter::cancelAll(); // the process would wait for it, unseen
     m_window.reset();
     m_model.reset();
     QSStore::setShared(nullptr);
@@ -28,6 +62,18 @@ bool QuillstoneApp::start()
     if (problem) {
         m_model->setMessage(problem);
     }
+    // With thousands of documents the search index takes a moment, which nobody has to wait for
+    // before there is a window.
+    new AfterFirstPaint(&*m_window, [] {
+        if (QSStore *store = QSStore::shared()) {
+            store->fillSearchIndex();
+        }
+    });
+    QObject::connect(qApp, &QGuiApplication::commitDataRequest, &*m_window, [this](auto &session) {
+        if (session.allowsInteraction() && !m_model->closeEverything()) {
+            session.cancel();
+        }
+    });
     m_window->show();
     return true;
 }

@@ -101,7 +101,7 @@ private Q_SLOTS:
         QCOMPARE(folderless.exitCode(), 2);
     }
 
-    void theWindowOpensWithoutLibreOfficeOrResources()
+    void theWindowOpensWithoutResources()
     {
         // a copy of the executable away from its resources: no templates, no directory, no crash
         const QString lonely = m_home->filePath(u"quillstone"_s);
