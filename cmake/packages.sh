@@ -6,14 +6,14 @@ packages_build=(
   libsqlite3-dev
 )
 packages_run=(
-  libqt6svg6 qt6-qpa-plugins
+  libqt6svg6 qt6-qpa-plugins qt6-wayland xdg-utils
   libreoffice-writer-nogui
   fonts-liberation2 fonts-inter fonts-droid-fallback
 )
 packages_test=(
-  poppler-utils qpdf sqlite3 unzip clang-format
+  poppler-utils qpdf sqlite3 unzip
 )
-packages_tidy=(clang clang-tidy)
+packages_tidy=(git clang clang-format clang-tidy)
 packages_fuzz=(clang libclang-rt-14-dev)
 
 # install_missing PACKAGE...: says what it installs and skips what is there.
@@ -33,7 +33,7 @@ install_missing() {
     }
     as_root=(sudo)
   fi
-  "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get update -qq
-  "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq \
+  "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get update -qq -o DPkg::Lock::Timeout=300
+  "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq -o DPkg::Lock::Timeout=300 \
     --no-install-recommends "${missing[@]}" >/dev/null
 }
