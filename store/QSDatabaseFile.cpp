@@ -18,12 +18,13 @@ constexpr QFileDevice::Permissions ownerOnly = QFileDevice::ReadOwner | QFileDev
 /// What SQLite puts behind the database's name for the files that belong to it.
 constexpr std::array journalSuffixes = {"-wal"_L1, "-journal"_L1};
 
-/// The application id that the header names; absent for what has no header of SQLite's.
-std::optional<qint64> headerID(const QByteArray &header)
+/// The application id that a whole header names. Throws when it is no header of SQLite's, with the
+/// text that SQLite has for it.
+qint64 headerID(const QByteArray &header)
 {
     constexpr qsizetype offset = 68;
-    if (header.size() < 100 || !header.startsWith(QByteArray("SQLite format 3", 16))) {
-        return std::nullopt;
+    if (!header.startsWith(QByteArray("SQLite format 3", 16))) {
+        throw QSError::database(u"file is not a database"_s);
     }
     return qFromBigEndian<qint32>(header.constData() + offset);
 }
@@ -48,6 +49,10 @@ void copyTo(const QString &from, const QString &to)
 void examine(const QString &path)
 {
     const QTemporaryDir folder;
+    if (!folder.isValid()) {
+        throw QSError::invalid(u"No folder for temporary files could be made: "_s +
+                               folder.errorString());
+    }
     const QString copy = folder.filePath(u"copy"_s);
     copyTo(path, copy);
     for (const QLatin1StringView suffix : journalSuffixes) {
@@ -66,6 +71,12 @@ void examine(const QString &path)
     }
 }
 
+/// Throws when SQLite finds the database damaged at first sight, before anything is written to it.
+void readSchema(const QString &path)
+{
+    SQLiteDB(path).exec(u"SELECT count(*) FROM sqlite_master"_s);
+}
+
 /// True for a file that is ours or empty; throws for one that is not. False for what can't be read:
 /// SQLite will say why.
 bool recognised(const QString &path)
@@ -74,14 +85,20 @@ bool recognised(const QString &path)
     if (!file.open(QIODevice::ReadOnly)) {
         return false;
     }
-    const std::optional<qint64> id = headerID(file.read(100));
-    if (file.size() == 0 || id == QSDatabaseFile::applicationID) {
+    constexpr qsizetype headerSize = 100;
+    const QByteArray header = file.read(headerSize);
+    file.close();
+    if (header.isEmpty()) {
         return true;
     }
-    if (id.value_or(0) != 0) {
+    const qint64 id = header.size() == headerSize ? headerID(header) : 0;
+    if (id == QSDatabaseFile::applicationID) {
+        readSchema(path);
+    } else if (id == 0) {
+        examine(path);
+    } else {
         throw foreign();
     }
-    examine(path);
     return true;
 }
 } // namespace

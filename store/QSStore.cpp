@@ -76,6 +76,12 @@ QSLinkCheck linkCheckFrom(const SQLRow &row)
             .note = row.string(u"note"_s)};
 }
 
+/// The text as it can be bound: SQLite would end it at a NUL, and drop what follows.
+QString storable(QString text)
+{
+    return text.remove(QChar::Null);
+}
+
 template <typename Record>
 QList<Record> records(SQLStatement statement, Record (*from)(const SQLRow &))
 {
@@ -126,10 +132,13 @@ QMap<QString, QString> QSDocument::valuesFromJSON(const QByteArray &json)
     return values;
 }
 
-QSStore::QSStore(const QUrl &url) : m_db(preparedPath(url)), m_url(url)
+QSStore::QSStore(const QUrl &url, Indexing indexing) : m_db(preparedPath(url)), m_url(url)
 {
     createSchema();
     createSearchIndex();
+    if (indexing == Indexing::now) {
+        fillSearchIndex();
+    }
 }
 
 QSStore::~QSStore() = default;
@@ -187,7 +196,7 @@ void QSStore::saveProfile(const QMap<QString, QString> &profile)
         m_db.run(u"DELETE FROM profile"_s);
         for (auto answer = profile.cbegin(); answer != profile.cend(); ++answer) {
             m_db.run(u"INSERT INTO profile (key, value) VALUES (?, ?)"_s,
-                     {answer.key(), answer.value()});
+                     {storable(answer.key()), storable(answer.value())});
         }
     });
     touch();
@@ -208,8 +217,8 @@ std::optional<QSDocument> QSStore::document(qint64 id)
 QSDocument QSStore::save(const QSDocument &document)
 {
     QSDocument draft = document;
-    // A text of the database ends at a NUL, so that none may stand in the title.
-    draft.title = draft.title.remove(QChar::Null).trimmed();
+    draft.title = storable(draft.title).trimmed();
+    draft.state = storable(draft.state);
     if (draft.title.isEmpty()) {
         throw QSError::invalid(u"Give the document a name."_s);
     }
@@ -226,7 +235,7 @@ QSDocument QSStore::save(const QSDocument &document)
     try {
         m_db.transaction([&] {
             saved = write(draft);
-            if (m_hasFTS5) {
+            if (m_indexIsFilled) {
                 indexing = true;
                 indexDocument(*saved.id);
             }
@@ -291,8 +300,8 @@ QSFilledPDF QSStore::saveFilledPDF(const QString &entryID, const QString &title,
         replacing ? replaceFilledPDF(*replacing, title, data, now)
                   : insertFilledPDF(
                         {.id = {},
-                         .entryID = entryID,
-                         .title = title,
+                         .entryID = storable(entryID),
+                         .title = storable(title),
                          .fileName = QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper() +
                                      u".pdf"_s,
                          .created = now,
@@ -312,7 +321,7 @@ QSFilledPDF QSStore::replaceFilledPDF(const QSFilledPDF &replaced, const QString
         throw QSError::notFound();
     }
     QSFilledPDF record = filledPDFFrom(rows.first());
-    record.title = title;
+    record.title = storable(title);
     record.modified = now;
     writePDF(filledPath(record.fileName), data);
     m_db.run(u"UPDATE filled_pdfs SET title=?, modified=? WHERE id=?"_s,

@@ -89,9 +89,16 @@ public:
     static constexpr qint64 applicationID = QSDatabaseFile::applicationID;
     static constexpr int schemaVersion = 1;
 
-    /// Opens the database or creates it, for its owner's eyes only, and fills the search index
-    /// anew. A database of another program is refused and left as it was.
-    explicit QSStore(const QUrl &url);
+    /// When an opened database's search index is filled anew, so that it matches the directory and
+    /// the templates of the running version.
+    enum class Indexing {
+        now,  ///< before the constructor returns
+        later ///< by fillSearchIndex(), or by the first search before that
+    };
+
+    /// Opens the database or creates it, for its owner's eyes only. A database of another program
+    /// is refused and left as it was.
+    explicit QSStore(const QUrl &url, Indexing indexing = Indexing::now);
     ~QSStore() override;
 
     /// The store that the program works on; null when no database could be opened.
@@ -136,6 +143,8 @@ public:
     /// The FTS5 expression for a user's text: only quoted prefixes of letters and digits, so that
     /// nothing typed reaches FTS5's own syntax.
     [[nodiscard]] static QString ftsQuery(const QString &text);
+    /// Fills the index if that was put off when the database was opened.
+    void fillSearchIndex();
     /// Fills the index from scratch, in a transaction of its own: directory, catalogue, documents.
     /// Does nothing without FTS5.
     void rebuildSearchIndex();
@@ -162,5 +171,6 @@ private:
     SQLiteDB m_db;
     QUrl m_url;
     bool m_hasFTS5 = false;
+    bool m_indexIsFilled = false;
     int m_revision = 0;
 };

@@ -12,6 +12,9 @@ using namespace Qt::Literals::StringLiterals;
 namespace {
 const QString createSearch =
     u"CREATE VIRTUAL TABLE IF NOT EXISTS search USING fts5(kind UNINDEXED, ref UNINDEXED, title, body, tokenize='porter unicode61')"_s;
+/// 16 MB for the words of a rebuild, which are then written once instead of merged again and again.
+const QString holdWordsInMemory =
+    u"INSERT INTO search (search, rank) VALUES ('hashsize', 16777216)"_s;
 const QString insertForm =
     u"INSERT INTO search (kind, ref, title, body) VALUES ('form', ?, ?, ?)"_s;
 const QString insertTemplate =
@@ -70,13 +73,26 @@ QSSearchHit::Kind hitKind(const QString &word)
 void QSStore::createSearchIndex()
 {
     try {
+        // A rebuild keeps its pages and what it would need to undo them in memory.
+        m_db.exec(u"PRAGMA cache_size = -32000; PRAGMA temp_store = MEMORY"_s);
         m_db.exec(createSearch);
         // A table left by an SQLite that has FTS5 is also there for one that has not.
         (void)m_db.prepare(u"SELECT ref FROM search"_s);
         m_hasFTS5 = true;
-        rebuildSearchIndex();
     } catch (const QSError &) {
         // The program is worth having without its search.
+    }
+}
+
+void QSStore::fillSearchIndex()
+{
+    if (m_indexIsFilled) {
+        return;
+    }
+    try {
+        rebuildSearchIndex();
+    } catch (const QSError &) {
+        // A search finds what the index held before.
     }
 }
 
@@ -89,10 +105,12 @@ void QSStore::rebuildSearchIndex()
         // Far quicker than taking 10,000 rows out of the index one by one.
         m_db.exec(u"DROP TABLE IF EXISTS search"_s);
         m_db.exec(createSearch);
+        m_db.exec(holdWordsInMemory);
         indexForms();
         indexTemplates();
         indexDocuments();
     });
+    m_indexIsFilled = true;
 }
 
 void QSStore::indexForms()
@@ -148,6 +166,7 @@ QList<QSSearchHit> QSStore::search(const QString &text, int limit)
     if (query.isEmpty() || !m_hasFTS5) {
         return {};
     }
+    fillSearchIndex();
     QList<QSSearchHit> hits;
     try {
         SQLStatement statement =

@@ -30,6 +30,7 @@ public:
     SQLArg(const QString &value) : m_value(value) {}
     SQLArg(const QByteArray &value) : m_value(value) {}
     SQLArg(const QDateTime &value);
+    SQLArg(const void *) = delete; ///< a pointer to characters would bind as a truth value
     template <typename T>
     SQLArg(const std::optional<T> &value) : SQLArg(value ? SQLArg(*value) : SQLArg(nullptr))
     {

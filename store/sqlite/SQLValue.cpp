@@ -4,6 +4,7 @@
 #include <QLocale>
 
 #include <charconv>
+#include <cmath>
 #include <limits>
 
 namespace {
@@ -58,7 +59,8 @@ std::optional<double> SQLRow::doubleValue(const QString &column) const
         return *real;
     }
     const auto *text = std::get_if<QString>(&value);
-    return text != nullptr ? parsed<double>(*text) : std::nullopt;
+    const auto number = text != nullptr ? parsed<double>(*text) : std::nullopt;
+    return number && std::isfinite(*number) ? number : std::nullopt; // "nan" and "inf" are words
 }
 
 QString SQLRow::string(const QString &column) const

@@ -3,12 +3,16 @@
 #include "ScratchUser.h"
 #include "TestFiles.h"
 
+#include <QDir>
 #include <QProcess>
+#include <QRegularExpression>
 #include <QSignalSpy>
 #include <QStandardPaths>
-#include <QtTest>
+#include <QTest>
 
 #include <algorithm>
+#include <array>
+#include <memory>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -62,7 +66,6 @@ private Q_SLOTS:
     void refusesWhatIsNoDocument();
     void readsRowsFromElsewhere();
     void listsLatestFirst();
-    void deletesDocuments();
     void replacesTheProfile();
     void filesFilledPDFs();
     void replacesFilledPDFs();
@@ -161,9 +164,11 @@ void TestQSStore::anotherProgramReadsTheFile()
 void TestQSStore::savesAndUpdatesDocuments()
 {
     const QDateTime before = QDateTime::currentDateTimeUtc();
-    QSDocument saved =
-        m_store->save(draft(u" \n Lease for Maple St.\t"_s, {{u"rent"_s, u"900"_s}}));
+    QSDocument unsaved = draft(QString(u" \n Lease for\0 Maple St.\t"_s), {{u"rent"_s, u"900"_s}});
+    unsaved.state = QString(u"C\0O"_s);
+    const QSDocument saved = m_store->save(unsaved);
     QVERIFY(saved.id);
+    QCOMPARE(saved.state, u"CO"_s);
     QCOMPARE(saved.title, u"Lease for Maple St."_s);
     QCOMPARE(saved.templateVersion, QSTemplates::all().first().version);
     QCOMPARE(saved.created, saved.modified);
@@ -256,22 +261,13 @@ void TestQSStore::listsLatestFirst()
     QCOMPARE(order(), (QList<qint64>{*first.id, *second.id}));
 }
 
-void TestQSStore::deletesDocuments()
-{
-    const QSDocument saved = m_store->save(draft(u"Xylophone"_s));
-    QCOMPARE(found(*m_store, u"xylophone"_s), QStringList{hitFor(saved)});
-    m_store->deleteDocument(*saved.id);
-    QVERIFY(found(*m_store, u"xylophone"_s).isEmpty());
-    QVERIFY(!m_store->document(*saved.id));
-}
-
 void TestQSStore::replacesTheProfile()
 {
     QVERIFY(m_store->profile().isEmpty());
     m_store->saveProfile({{u"fullName"_s, u"Ana O'Neil"_s}, {u"email"_s, u"a@b.example"_s}});
-    const QMap<QString, QString> second = {{u"fullName"_s, u"Ana Õ"_s}, {u"phone"_s, u""_s}};
-    m_store->saveProfile(second);
+    m_store->saveProfile({{u"fullName"_s, QString(u"Ana\0 Õ"_s)}, {u"phone"_s, u""_s}});
     reopen();
+    const QMap<QString, QString> second = {{u"fullName"_s, u"Ana Õ"_s}, {u"phone"_s, u""_s}};
     QCOMPARE(m_store->profile(), second);
 }
 
@@ -279,7 +275,8 @@ void TestQSStore::filesFilledPDFs()
 {
     QCOMPARE(sentence([&] { m_store->saveFilledPDF(u"e"_s, u"t"_s, "<html>%PDF"); }),
              u"That is not a PDF."_s);
-    const QSFilledPDF one = m_store->saveFilledPDF(u"co-llc"_s, u"Articles"_s, "%PDF-1.7 one");
+    const QSFilledPDF one =
+        m_store->saveFilledPDF(u"co-llc"_s, QString(u"Arti\0cles"_s), "%PDF-1.7 one");
     const QSFilledPDF two = m_store->saveFilledPDF(u"co-llc"_s, u"Articles"_s, "%PDF-1.7 two");
     static const QRegularExpression uuid(
         u"^[0-9A-F]{8}-[0-9A-F]{4}-4[0-9A-F]{3}-[89AB][0-9A-F]{3}-[0-9A-F]{12}\\.pdf$"_s);
@@ -363,7 +360,6 @@ void TestQSStore::buildsQueries_data()
     QTest::newRow("words") << u"Evict  answer"_s << u"\"evict\"* AND \"answer\"*"_s;
     QTest::newRow("form number") << u"JDF-101"_s << u"\"jdf\"* AND \"101\"*"_s;
     QTest::newRow("repeats") << u"Rent, rent: RENT due"_s << u"\"rent\"* AND \"due\"*"_s;
-    QTest::newRow("blanks") << u" \t\n"_s << u""_s;
     QTest::newRow("hyphens") << u"---"_s << u""_s;
     QTest::newRow("syntax")
         << u"\"a\" OR (b* NEAR title:c)"_s
@@ -388,8 +384,6 @@ void TestQSStore::findsDocuments_data()
     QTest::addColumn<QString>("text");
     QTest::addColumn<bool>("hit");
     QTest::newRow("beginning of a word") << u"Zanzibar"_s << u"zanz"_s << true;
-    QTest::newRow("middle of a word") << u"Zanzibar"_s << u"nzibar"_s << false;
-    QTest::newRow("every word counts") << u"Zanzibar Quito"_s << u"quito zanzibar"_s << true;
     QTest::newRow("a word too many") << u"Zanzibar Quito"_s << u"zanzibar lima"_s << false;
     QTest::newRow("stem") << u"zorbing"_s << u"zorbed"_s << true;
     QTest::newRow("accent left out") << u"Žižková"_s << u"zizkova"_s << true;
@@ -461,10 +455,11 @@ void TestQSStore::indexFollowsTheDocuments()
     m_store->save(saved);
     QVERIFY(found(*m_store, u"papaya"_s).isEmpty() && found(*m_store, u"quince"_s).isEmpty());
     QCOMPARE(found(*m_store, u"lychee durian"_s), QStringList{hitFor(saved)});
+    const QSDocument other = m_store->save(draft(u"Xylophone"_s));
+    m_store->deleteDocument(*other.id);
+    QVERIFY(!m_store->document(*other.id) && found(*m_store, u"xylophone"_s).isEmpty());
 
     m_store->db().exec(u"UPDATE documents SET title = 'Rambutan'; DROP TABLE search"_s);
-    const qint64 rows = m_store->db().scalarInt(u"SELECT count(*) FROM documents"_s);
-    QCOMPARE(rows, 1);
     reopen();
     QCOMPARE(found(*m_store, u"rambutan durian"_s), QStringList{hitFor(saved)});
     m_store->rebuildSearchIndex();

@@ -1,15 +1,20 @@
 #include "QSError.h"
 #include "SQLiteDB.h"
 
+#include <QFile>
 #include <QTemporaryDir>
-#include <QtTest>
+#include <QTest>
 
 #include <limits>
+#include <memory>
 #include <stdexcept>
+#include <type_traits>
 
 using namespace Qt::Literals::StringLiterals;
 
 Q_DECLARE_METATYPE(SQLValue)
+
+static_assert(!std::is_constructible_v<SQLArg, const char *>, "it would bind as a truth value");
 
 namespace {
 /// The text of the database error that the action throws; null when it throws none.
@@ -45,6 +50,7 @@ private Q_SLOTS:
     void transactionsDoNotNest();
     void failedCommitIsThrownAndRolledBack();
     void failuresCarrySQLitesText();
+    void errorsAreSentences();
     void failedStatementLeavesNoLock();
     void readOnlyLeavesTheFileAlone();
     void waitsForAnotherConnection();
@@ -81,18 +87,16 @@ void TestSQLiteDB::readsColumns_data()
     row("42", 42, 42.0, u"42"_s);
     row("-9223372036854775807 - 1", lowest, -9223372036854775808.0, u"-9223372036854775808"_s);
     row("2.9", 2, 2.9, u"2.9"_s);
-    row("-2.9", -2, -2.9, u"-2.9"_s);
     row("0.1 + 0.2", 0, 0.1 + 0.2, u"0.30000000000000004"_s);
     row("1e300", highest, 1e300, u"1e+300"_s);
-    row("-1e300", lowest, -1e300, u"-1e+300"_s);
     row("'42'", 42, 42.0, u"42"_s);
-    row("'+42'", 42, 42.0, u"+42"_s);
     row("'-7'", -7, -7.0, u"-7"_s);
     row("'2.5'", {}, 2.5, u"2.5"_s);
     row("'4x'", {}, {}, u"4x"_s);
     row("' 4'", {}, {}, u" 4"_s);
     row("'+-4'", {}, {}, u"+-4"_s);
-    row("'0x10'", {}, {}, u"0x10"_s);
+    row("'nan'", {}, {}, u"nan"_s);
+    row("'-inf'", {}, {}, u"-inf"_s);
     row("'9223372036854775808'", {}, 9223372036854775808.0, u"9223372036854775808"_s);
     row("''", {}, {}, u""_s);
     row("'a' || char(0) || 'b'", {}, {}, QString(u"a\0b"_s));
@@ -203,8 +207,6 @@ void TestSQLiteDB::scalarIntNeverThrows_data()
     QTest::addColumn<qint64>("result");
     QTest::newRow("integer") << u"SELECT 12"_s << qint64{12};
     QTest::newRow("first row") << u"SELECT 3 UNION ALL SELECT 4"_s << qint64{3};
-    QTest::newRow("real is cut") << u"SELECT -2.9"_s << qint64{-2};
-    QTest::newRow("text") << u"SELECT '+42'"_s << qint64{42};
     QTest::newRow("text that is no number") << u"SELECT '4x'"_s << qint64{0};
     QTest::newRow("null") << u"SELECT NULL"_s << qint64{0};
     QTest::newRow("no row") << u"SELECT 5 WHERE 0"_s << qint64{0};
@@ -273,12 +275,16 @@ void TestSQLiteDB::failuresCarrySQLitesText()
     QVERIFY(!databaseError([&] { db.run(u" -- nothing"_s); }).isNull());
     QCOMPARE(databaseError([&] { SQLiteDB missing(path(u"a/b"_s)); }),
              u"unable to open database file"_s);
-    QFile text(path(u"text"_s));
-    QVERIFY(text.open(QIODevice::WriteOnly) && text.write("This is no database.") > 0);
-    text.close();
-    SQLiteDB other(path(u"text"_s));
-    QCOMPARE(databaseError([&] { other.exec(u"PRAGMA user_version"_s); }),
-             u"file is not a database"_s);
+}
+
+void TestSQLiteDB::errorsAreSentences()
+{
+    QCOMPARE(QSError::database(u"disk full"_s).description(),
+             u"The database reported a problem: disk full"_s);
+    QCOMPARE(QSError::badBackup(u"it is damaged."_s).description(),
+             u"This file can't be restored: it is damaged."_s);
+    QCOMPARE(QSError::network(u"No answer."_s).description(), u"No answer."_s);
+    QCOMPARE(QByteArray(QSError::notFound().what()), QByteArray("That record no longer exists."));
 }
 
 void TestSQLiteDB::failedStatementLeavesNoLock()
@@ -314,11 +320,10 @@ void TestSQLiteDB::waitsForAnotherConnection()
     SQLiteDB holder(path());
     holder.exec(u"CREATE TABLE t (v)"_s);
     SQLiteDB db(path());
+    QCOMPARE(db.scalarInt(u"PRAGMA busy_timeout"_s), 3000);
+    db.exec(u"PRAGMA busy_timeout = 1"_s);
     holder.transaction([&] {
-        QElapsedTimer timer;
-        timer.start();
         QCOMPARE(databaseError([&] { db.exec(u"BEGIN IMMEDIATE"_s); }), u"database is locked"_s);
-        QVERIFY(timer.elapsed() >= 2500);
     });
 }
 
