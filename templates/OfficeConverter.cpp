@@ -2,6 +2,7 @@
 
 #include "QSError.h"
 
+#include <QCollator>
 #include <QDeadlineTimer>
 #include <QDir>
 #include <QFile>
@@ -13,8 +14,9 @@
 #include <QUrl>
 
 #include <algorithm>
+#include <atomic>
 #include <csignal>
-#include <optional>
+#include <mutex>
 
 #include <unistd.h>
 
@@ -28,6 +30,7 @@ struct Settings
 };
 QMutex settingsMutex;
 Settings settings; // guarded by settingsMutex
+std::atomic<bool> cancelled = false;
 
 QSError failure(const QString &cause)
 {
@@ -39,7 +42,23 @@ struct Limit
 {
     explicit Limit(milliseconds limit) : length(limit), deadline(limit) {}
 
-    [[nodiscard]] int left() const { return static_cast<int>(deadline.remainingTime()); }
+    /// Calls waitFor with a slice of the time that is left (in ms) until it returns true; false
+    /// when the limit runs out first. Throws when the program is closing.
+    template <typename Wait>
+    [[nodiscard]] bool wait(Wait waitFor) const
+    {
+        constexpr qint64 slice = 100;
+        do {
+            if (cancelled) {
+                throw failure(QStringLiteral("The program is closing."));
+            }
+            if (waitFor(static_cast<int>(std::min(slice, deadline.remainingTime())))) {
+                return true;
+            }
+        } while (!deadline.hasExpired());
+        return false;
+    }
+    [[nodiscard]] bool isOver() const { return cancelled || deadline.hasExpired(); }
     [[nodiscard]] QSError exceeded() const
     {
         const double seconds = std::chrono::duration<double>(length).count();
@@ -51,6 +70,24 @@ struct Limit
     QDeadlineTimer deadline;
 };
 
+/// The programs folders of the makers' own packages, which have the version in their name, the
+/// newest first.
+QStringList packageFolders()
+{
+    const QDir opt(QStringLiteral("/opt"));
+    QStringList names = opt.entryList({QStringLiteral("libreoffice*")}, QDir::Dirs);
+    QCollator collator(QLocale(QLocale::English, QLocale::UnitedStates)); // "C" sorts no numbers
+    collator.setNumericMode(true);
+    std::ranges::sort(names, [&collator](const QString &one, const QString &other) {
+        return collator.compare(one, other) > 0;
+    });
+    QStringList folders;
+    for (const QString &name : names) {
+        folders.append(opt.filePath(name + QStringLiteral("/program")));
+    }
+    return folders;
+}
+
 QString findProgram(const QString &programOverride)
 {
     if (!programOverride.isEmpty()) {
@@ -60,16 +97,10 @@ QString findProgram(const QString &programOverride)
     if (QString inPath = QStandardPaths::findExecutable(name); !inPath.isEmpty()) {
         return inPath;
     }
-    QStringList folders = {QStringLiteral("/usr/bin"), QStringLiteral("/usr/local/bin"),
-                           QStringLiteral("/usr/lib/libreoffice/program"),
-                           QStringLiteral("/usr/lib64/libreoffice/program")};
-    // The makers' own packages have the version in the folder's name: the newest comes first.
-    const QDir opt(QStringLiteral("/opt"), QStringLiteral("libreoffice*"),
-                   QDir::Name | QDir::Reversed, QDir::Dirs);
-    for (const QString &folder : opt.entryList()) {
-        folders.append(opt.filePath(folder + QStringLiteral("/program")));
-    }
-    return QStandardPaths::findExecutable(name, folders);
+    const QStringList folders = {QStringLiteral("/usr/bin"), QStringLiteral("/usr/local/bin"),
+                                 QStringLiteral("/usr/lib/libreoffice/program"),
+                                 QStringLiteral("/usr/lib64/libreoffice/program")};
+    return QStandardPaths::findExecutable(name, folders + packageFolders());
 }
 
 /// The caller's turn to use the profile folder, among the threads and processes of the user.
@@ -79,31 +110,30 @@ public:
     Turn(const QString &folder, const Limit &limit) : m_file(folder + QStringLiteral("/lock"))
     {
         m_file.setStaleLockTime(0); // a lock ends with its process, never by its age
-        if (!m_thread.tryLock(limit.left())) {
+        if (!limit.wait([this](int time) { return m_thread.try_lock_for(milliseconds(time)); })) {
             throw limit.exceeded();
         }
-        if (!m_file.tryLock(limit.left())) {
-            m_thread.unlock();
-            throw m_file.error() == QLockFile::LockFailedError
-                ? limit.exceeded()
-                : failure(QStringLiteral("LibreOffice's folder %1 can't be written.")
+        const auto tryFile = [this](int time) {
+            return m_file.tryLock(time) || m_file.error() != QLockFile::LockFailedError;
+        };
+        if (!limit.wait(tryFile)) {
+            throw limit.exceeded();
+        }
+        if (!m_file.isLocked()) {
+            throw failure(QStringLiteral("LibreOffice's folder %1 can't be written.")
                               .arg(QFileInfo(m_file.fileName()).path()));
         }
-    }
-    ~Turn()
-    {
-        m_file.unlock();
-        m_thread.unlock();
     }
     Q_DISABLE_COPY_MOVE(Turn)
 
 private:
-    inline static QMutex m_thread;
-    QLockFile m_file;
+    inline static std::timed_mutex mutex;
+    std::unique_lock<std::timed_mutex> m_thread{mutex, std::defer_lock};
+    QLockFile m_file; // unlocks before the mutex does
 };
 
-/// The user's folder for the profile and its lock; readable by nobody else, since a profile may
-/// keep traces of what was converted.
+/// The user's folder for the profile, its lock and the documents that are being converted;
+/// readable by nobody else.
 QString createOfficeFolder()
 {
     QString path =
@@ -115,6 +145,41 @@ QString createOfficeFolder()
     return path;
 }
 
+const QString conversionName = QStringLiteral("conversion-");
+
+/// Deletes the documents of conversions that a crash cut short. For whoever has the turn: nobody
+/// else is converting.
+void removeOldConversions(const QDir &folder)
+{
+    const QStringList names = folder.entryList({conversionName + u'*'}, QDir::Dirs);
+    for (const QString &name : names) {
+        QDir(folder.filePath(name)).removeRecursively();
+    }
+}
+
+/// Ends a process with all that it started when it goes out of scope.
+class Ending final
+{
+public:
+    explicit Ending(QProcess &process)
+        : m_process(process), m_group(static_cast<pid_t>(process.processId()))
+    {
+    }
+    ~Ending()
+    {
+        if (m_group > 0) {
+            ::kill(-m_group, SIGKILL);
+        }
+        m_process.kill(); // it may not have got as far as having a group
+        m_process.waitForFinished(-1);
+    }
+    Q_DISABLE_COPY_MOVE(Ending)
+
+private:
+    QProcess &m_process;
+    pid_t m_group;
+};
+
 /// What LibreOffice said about a failure: the end is what matters.
 QString lastWords(QProcess &process)
 {
@@ -124,11 +189,11 @@ QString lastWords(QProcess &process)
                : QStringLiteral(" ") + words.last(std::min<qsizetype>(words.size(), 500));
 }
 
-/// One conversion from a file of a private folder to another, which goes away with this object.
+/// One conversion from a file to another, in a folder that goes away with this object.
 class Conversion final
 {
 public:
-    Conversion(QString program, QString target, const QByteArray &document);
+    Conversion(const QDir &parent, QString program, QString target, const QByteArray &document);
 
     /// Runs LibreOffice once; throws when it brings no document.
     [[nodiscard]] QByteArray run(const QString &profile, const Limit &limit) const;
@@ -145,6 +210,7 @@ private:
     }
     [[nodiscard]] QStringList arguments(const QString &profile) const;
     [[nodiscard]] QProcessEnvironment environment() const;
+    static void runToItsEnd(QProcess &process, const Limit &limit);
     [[nodiscard]] QByteArray readOutput(const QString &words) const;
 
     QString m_program;
@@ -152,10 +218,11 @@ private:
     QTemporaryDir m_folder;
 };
 
-Conversion::Conversion(QString program, QString target, const QByteArray &document)
+Conversion::Conversion(const QDir &parent, QString program, QString target,
+                       const QByteArray &document)
     : m_program(std::move(program)),
       m_target(std::move(target)),
-      m_folder(QDir::tempPath() + QStringLiteral("/quillstone-XXXXXX"))
+      m_folder(parent.filePath(conversionName + QStringLiteral("XXXXXX")))
 {
     QFile input(inputPath());
     if (!m_folder.isValid() || !input.open(QIODevice::WriteOnly) ||
@@ -203,17 +270,7 @@ QByteArray Conversion::run(const QString &profile, const Limit &limit) const
     // LibreOffice is a chain of processes; a session of their own makes them one group to end.
     process.setChildProcessModifier([] { ::setsid(); });
     process.start(m_program, arguments(profile));
-    if (!process.waitForStarted(limit.left())) {
-        throw failure(
-            QStringLiteral("LibreOffice could not be started: %1").arg(process.errorString()));
-    }
-    const auto group = static_cast<pid_t>(process.processId());
-    const bool ended = process.waitForFinished(limit.left());
-    ::kill(-group, SIGKILL);
-    if (!ended) {
-        process.waitForFinished(-1);
-        throw limit.exceeded();
-    }
+    runToItsEnd(process, limit);
     const QString words = lastWords(process);
     if (process.exitStatus() != QProcess::NormalExit) {
         throw failure(QStringLiteral("LibreOffice broke down.") + words);
@@ -225,6 +282,22 @@ QByteArray Conversion::run(const QString &profile, const Limit &limit) const
     return readOutput(words);
 }
 
+void Conversion::runToItsEnd(QProcess &process, const Limit &limit)
+{
+    const Ending ending(process);
+    const auto isOver = [&process] { return process.state() == QProcess::NotRunning; };
+    if (!limit.wait([&](int time) { return process.waitForStarted(time) || isOver(); })) {
+        throw limit.exceeded();
+    }
+    if (process.error() == QProcess::FailedToStart) {
+        throw failure(
+            QStringLiteral("LibreOffice could not be started: %1").arg(process.errorString()));
+    }
+    if (!limit.wait([&](int time) { return process.waitForFinished(time) || isOver(); })) {
+        throw limit.exceeded();
+    }
+}
+
 QByteArray Conversion::readOutput(const QString &words) const
 {
     QFile output(outputPath());
@@ -232,6 +305,10 @@ QByteArray Conversion::readOutput(const QString &words) const
         throw failure(QStringLiteral("LibreOffice wrote no document.") + words);
     }
     QByteArray bytes = output.readAll();
+    if (output.error() != QFile::NoError) {
+        throw failure(
+            QStringLiteral("LibreOffice's document can't be read: %1").arg(output.errorString()));
+    }
     const QByteArray beginning = extension() == u"docx" ? "PK\x03\x04" : "{\\rtf";
     if (!bytes.startsWith(beginning)) {
         throw failure(
@@ -250,7 +327,7 @@ QByteArray runWithProfile(const Conversion &conversion, const QString &profile, 
         return conversion.run(profile, limit);
     } catch (const QSError &) {
         QDir(profile).removeRecursively();
-        if (!usedBefore || limit.deadline.hasExpired()) {
+        if (!usedBefore || limit.isOver()) {
             throw;
         }
     }
@@ -278,10 +355,16 @@ QByteArray OfficeConverter::convert(const QByteArray &flatODF, const QString &ta
         throw failure(
             QStringLiteral("LibreOffice, which writes Word and Rich Text files, was not found."));
     }
-    const QString folder = createOfficeFolder();
-    const Turn turn(folder, limit);
-    const Conversion conversion(program, target, flatODF);
-    return runWithProfile(conversion, folder + QStringLiteral("/profile"), limit);
+    const QDir folder(createOfficeFolder());
+    const Turn turn(folder.path(), limit);
+    removeOldConversions(folder);
+    const Conversion conversion(folder, program, target, flatODF);
+    return runWithProfile(conversion, folder.filePath(QStringLiteral("profile")), limit);
+}
+
+void OfficeConverter::cancelAll()
+{
+    cancelled = true;
 }
 
 void OfficeConverter::setProgramOverride(const QString &path)

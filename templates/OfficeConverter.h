@@ -14,8 +14,13 @@ namespace OfficeConverter {
 /// The converted document's bytes. target is LibreOffice's own name of the format, "docx" or "rtf"
 /// with an optional filter ("docx:MS Word 2007 XML"). Throws QSError::invalid with the cause when
 /// LibreOffice is missing, fails, or takes more than 60 seconds, waiting for another conversion
-/// included; no process and no file of the conversion is left behind.
+/// included; no process and no file of the conversion is left behind. What a crash leaves behind is
+/// readable by the user alone and goes with the next conversion.
 [[nodiscard]] QByteArray convert(const QByteArray &flatODF, const QString &target);
+
+/// For quitting: conversions that are running, and any that are started later, fail within about a
+/// tenth of a second. Any thread.
+void cancelAll();
 
 /// Uses this program instead of the installed one; empty goes back. For tests.
 void setProgramOverride(const QString &path);

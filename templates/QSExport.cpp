@@ -132,7 +132,7 @@ QString QSExport::safeFileName(const QString &text)
         }
     }
     // A name with a leading dot would be a hidden file that its writer never finds again.
-    const auto isPadding = [](QChar c) { return c == u' ' || c == u'.'; };
+    const auto isPadding = [](QChar c) { return c.isSpace() || c == u'.'; };
     name.erase(name.begin(), std::ranges::find_if_not(name, isPadding));
 
     QTextBoundaryFinder ends(QTextBoundaryFinder::Grapheme, name);

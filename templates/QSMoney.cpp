@@ -3,7 +3,6 @@
 #include <QRegularExpression>
 
 #include <algorithm>
-#include <cstdlib>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -27,7 +26,8 @@ std::optional<Decimal> parse(const QString &text)
     // An exponent too long for an int reads as 0, hence the check of ok.
     bool ok = true;
     const int exponent = match.hasCaptured(4) ? match.captured(4).toInt(&ok) : 0;
-    if (!match.hasMatch() || digits.size() > maxDigits || !ok || std::abs(exponent) > maxDigits) {
+    if (!match.hasMatch() || digits.size() > maxDigits || !ok || exponent < -maxDigits ||
+        exponent > maxDigits) {
         return std::nullopt;
     }
     return Decimal{match.captured(1) == "-"_L1, digits, match.capturedLength(2) + exponent};

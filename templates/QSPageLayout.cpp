@@ -2,15 +2,18 @@
 
 #include "QSBlockStyle.h"
 
+#include <QFontDatabase>
 #include <QFontMetricsF>
+#include <QGlyphRun>
 #include <QHash>
 #include <QImage>
 #include <QPainter>
+#include <QSet>
 #include <QTextLayout>
 #include <QTextOption>
 
 #include <algorithm>
-#include <utility>
+#include <span>
 #include <vector>
 
 namespace {
@@ -35,11 +38,20 @@ QImage createMeasure()
     return device;
 }
 
-/// The first is metric for metric the second, and free.
+/// The typeface that word processors will show the document in, or the free one that equals it
+/// metric for metric. Only what is really there counts: the font system offers some other typeface
+/// under any name.
+QString serifFamily()
+{
+    const QString wanted = QStringLiteral("Times New Roman");
+    return QFontDatabase::hasFamily(wanted) ? wanted : QStringLiteral("Liberation Serif");
+}
+
 QFont serif(qreal size, bool bold, bool italic)
 {
     static const QImage measure = createMeasure();
-    QFont font(QStringList{QStringLiteral("Liberation Serif"), QStringLiteral("Times New Roman")});
+    static const QString family = serifFamily();
+    QFont font(family);
     font.setStyleHint(QFont::Serif);
     font.setPointSizeF(size);
     font.setBold(bold);
@@ -82,6 +94,7 @@ struct SetBlock
     QTextLayout text;
     std::vector<LineMetrics> lines;
     QSBlockStyle style;
+    QStringList missing; ///< characters without a glyph, each once
 };
 using SetBlockPtr = std::shared_ptr<const SetBlock>;
 
@@ -90,10 +103,48 @@ struct PlacedLine
     const SetBlock *block = nullptr;
     std::size_t line = 0;
     qreal baseline = 0; ///< below the top of the text frame, in points
-
-    bool operator==(const PlacedLine &) const = default;
 };
 using Page = std::vector<PlacedLine>;
+
+bool hasMissingGlyph(const QList<QGlyphRun> &runs)
+{
+    return std::ranges::any_of(runs,
+                               [](const QGlyphRun &run) { return run.glyphIndexes().contains(0); });
+}
+
+/// False for what only directs the letters around it, or is space: no font needs a glyph for it.
+bool isPrinted(char32_t character)
+{
+    const bool selectsVariant = (character >= 0xFE00 && character <= 0xFE0F) ||
+                                (character >= 0xE0100 && character <= 0xE01EF);
+    const QChar::Category category = QChar::category(character);
+    return category != QChar::Other_Control && category != QChar::Other_Format &&
+           !QChar::isSpace(character) && !selectsVariant;
+}
+
+/// The characters of a text for which no installed font has a glyph, each once. Looking at one
+/// character after the other is slow, so only a text that lacks something pays for it.
+QStringList missingCharacters(const QTextLayout &text)
+{
+    if (!hasMissingGlyph(text.glyphRuns())) {
+        return {};
+    }
+    QSet<char32_t> looked;
+    QStringList missing;
+    int at = 0;
+    for (const char32_t character : text.text().toStdU32String()) {
+        const QString letter = QString::fromUcs4(&character, 1);
+        const auto length = static_cast<int>(letter.size());
+        if (isPrinted(character) && !looked.contains(character)) {
+            looked.insert(character);
+            if (hasMissingGlyph(text.glyphRuns(at, length))) {
+                missing.append(letter);
+            }
+        }
+        at += length;
+    }
+    return missing;
+}
 
 /// One kind of block, ready to set: fonts and options are costly to make for every block.
 struct Setter
@@ -127,6 +178,7 @@ struct Setter
         auto block = std::make_shared<SetBlock>();
         block->style = style;
         QTextLayout &text = block->text;
+        text.setCacheEnabled(true); // a page is drawn far more often than its blocks are set
         text.setFont(font);
         text.setTextOption(flow.isRightToLeft() ? rightToLeftOption : option);
         text.setText(flow);
@@ -136,6 +188,7 @@ struct Setter
             block->lines.push_back(measure(line));
         }
         text.endLayout();
+        block->missing = missingCharacters(text);
         return block;
     }
 
@@ -146,12 +199,15 @@ struct Setter
     QFontMetricsF metrics;
 };
 
-/// From the top of a block to the end of the next one's first line.
-qreal heightWithNext(const SetBlock &block, const SetBlock &next)
+/// From the first line's top to the end of the last block's first line.
+qreal heightTogether(std::span<const SetBlock *const> blocks)
 {
-    qreal height = block.style.after + next.style.before + next.lines.front().height;
-    for (const LineMetrics &line : block.lines) {
-        height += line.height;
+    qreal height = blocks.back()->lines.front().height;
+    for (std::size_t i = 0; i + 1 < blocks.size(); ++i) {
+        height += blocks[i]->style.after + blocks[i + 1]->style.before;
+        for (const LineMetrics &line : blocks[i]->lines) {
+            height += line.height;
+        }
     }
     return height;
 }
@@ -176,15 +232,23 @@ static size_t qHash(const QSBlock &block, size_t seed)
 struct QSPageLayout::Private
 {
     [[nodiscard]] SetBlockPtr setBlock(const QSBlock &block) const;
-    void placeBlock(const SetBlock &block, const SetBlock *next);
-    void drawFoot(QPainter &painter, int page) const;
+    void place(const std::vector<const SetBlock *> &blocks);
+    void placeTogether(std::span<const SetBlock *const> blocks);
+    void placeBlock(const SetBlock &block);
+    void setFeet();
+    [[nodiscard]] bool fits(qreal height) const
+    {
+        return bottom + height <= frameHeight + tolerance;
+    }
+    void beginPage();
 
     std::vector<Setter> setters{blockStyles.begin(), blockStyles.end()};
     Setter footSetter{footStyle};
     QHash<QSBlock, SetBlockPtr> sets; ///< the lines of every block of the document
-    std::vector<Page> pages{1};
-    std::vector<Place> places; ///< of the blocks
-    int firstChanged = 0;
+    std::vector<Page> pages;
+    std::vector<SetBlockPtr> feet; ///< of the pages
+    std::vector<Place> places;     ///< of the blocks
+    QString missing;
     qreal bottom = 0; ///< of what stands on the last page, space below it included
 };
 
@@ -196,22 +260,52 @@ SetBlockPtr QSPageLayout::Private::setBlock(const QSBlock &block) const
     return setters[static_cast<std::size_t>(block.kind)].set(blockFlow(block));
 }
 
+void QSPageLayout::Private::beginPage()
+{
+    pages.emplace_back();
+    bottom = 0;
+}
+
+void QSPageLayout::Private::place(const std::vector<const SetBlock *> &blocks)
+{
+    pages.clear();
+    places.clear();
+    beginPage();
+    const auto keepsNext = [](const SetBlock *block) { return block->style.keepWithNext; };
+    for (std::span<const SetBlock *const> rest(blocks); !rest.empty();) {
+        const auto last = std::ranges::find_if_not(rest, keepsNext);
+        const std::size_t run = static_cast<std::size_t>(last - rest.begin()) + 1;
+        const std::size_t count = std::min(run, rest.size());
+        placeTogether(rest.first(count));
+        rest = rest.subspan(count);
+    }
+}
+
+/// Places blocks that stay together and the one after them, of which the first line stays too. On a
+/// page of their own where the rest of this one is too short, unless that were too short as well.
+/// Space above a block vanishes at the top of a page: the first line of every page stands at the
+/// same height.
+void QSPageLayout::Private::placeTogether(std::span<const SetBlock *const> blocks)
+{
+    const qreal height = heightTogether(blocks);
+    const bool fitsHere = fits(blocks.front()->style.before + height);
+    if (!pages.back().empty() && !fitsHere && height <= frameHeight + tolerance) {
+        beginPage();
+    }
+    for (const SetBlock *block : blocks) {
+        placeBlock(*block);
+    }
+}
+
 /// Adds a block's lines below what stands on the last page, on as many pages as they need. A page
-/// takes at least one line, however tall, so this ends. Space above a block vanishes at the top of
-/// a page: the first line of every page stands at the same height.
-void QSPageLayout::Private::placeBlock(const SetBlock &block, const SetBlock *next)
+/// takes at least one line, however tall, so this ends.
+void QSPageLayout::Private::placeBlock(const SetBlock &block)
 {
     bottom = pages.back().empty() ? 0 : bottom + block.style.before;
-    if (next != nullptr && block.style.keepWithNext && !pages.back().empty() &&
-        bottom + heightWithNext(block, *next) > frameHeight + tolerance) {
-        pages.emplace_back();
-        bottom = 0;
-    }
     for (std::size_t i = 0; i < block.lines.size(); ++i) {
         const LineMetrics &line = block.lines[i];
-        if (!pages.back().empty() && bottom + line.height > frameHeight + tolerance) {
-            pages.emplace_back();
-            bottom = 0;
+        if (!pages.back().empty() && !fits(line.height)) {
+            beginPage();
         }
         const int page = static_cast<int>(pages.size()) - 1;
         if (i == 0) {
@@ -226,42 +320,45 @@ void QSPageLayout::Private::placeBlock(const SetBlock &block, const SetBlock *ne
     bottom += block.style.after;
 }
 
-void QSPageLayout::Private::drawFoot(QPainter &painter, int page) const
+/// Every page's foot names the count, so all stay the same while it does.
+void QSPageLayout::Private::setFeet()
 {
-    const QString text = QStringLiteral("Page %1 of %2")
-                             .arg(QString::number(page + 1), QString::number(pages.size()));
-    drawLine(painter, *footSetter.set(text), 0, footBaseline);
+    const std::size_t count = pages.size();
+    if (feet.size() == count) {
+        return;
+    }
+    feet.clear();
+    for (std::size_t page = 1; page <= count; ++page) {
+        feet.push_back(footSetter.set(QStringLiteral("Page %1 of %2").arg(page).arg(count)));
+    }
 }
 
-QSPageLayout::QSPageLayout() : d(std::make_unique<Private>()) {}
+QSPageLayout::QSPageLayout() : d(std::make_unique<Private>())
+{
+    update({});
+}
+
 QSPageLayout::~QSPageLayout() = default;
-QSPageLayout::QSPageLayout(QSPageLayout &&) noexcept = default;
-QSPageLayout &QSPageLayout::operator=(QSPageLayout &&) noexcept = default;
 
 void QSPageLayout::update(const QSRendered &rendered)
 {
-    // The former lines live until the pages are compared: a line is known by its block's address.
-    const std::vector<Page> formerPages = std::exchange(d->pages, std::vector<Page>(1));
     QHash<QSBlock, SetBlockPtr> sets;
     sets.reserve(rendered.blocks.size());
     std::vector<const SetBlock *> inOrder;
+    QStringList missing;
     for (const QSBlock &block : rendered.blocks) {
         SetBlockPtr &set = sets[block];
         if (!set) {
             set = d->setBlock(block);
+            missing += set->missing;
         }
         inOrder.push_back(set.get());
     }
-    d->places.clear();
-    for (std::size_t i = 0; i < inOrder.size(); ++i) {
-        d->placeBlock(*inOrder[i], i + 1 < inOrder.size() ? inOrder[i + 1] : nullptr);
-    }
-
-    const auto differing = std::ranges::mismatch(d->pages, formerPages).in1;
-    // Every page's foot names the count.
-    const bool sameCount = d->pages.size() == formerPages.size();
-    d->firstChanged = sameCount ? static_cast<int>(differing - d->pages.begin()) : 0;
+    d->place(inOrder);
+    d->setFeet();
     d->sets.swap(sets);
+    missing.removeDuplicates();
+    d->missing = missing.join(QString());
 }
 
 int QSPageLayout::pageCount() const
@@ -269,9 +366,9 @@ int QSPageLayout::pageCount() const
     return static_cast<int>(d->pages.size());
 }
 
-int QSPageLayout::firstChangedPage() const
+QString QSPageLayout::missingCharacters() const
 {
-    return d->firstChanged;
+    return d->missing;
 }
 
 QSPageLayout::Place QSPageLayout::placeOfBlock(int block) const
@@ -281,8 +378,9 @@ QSPageLayout::Place QSPageLayout::placeOfBlock(int block) const
 
 void QSPageLayout::drawPage(QPainter &painter, int page) const
 {
-    for (const PlacedLine &line : d->pages.at(static_cast<std::size_t>(page))) {
+    const auto index = static_cast<std::size_t>(page);
+    for (const PlacedLine &line : d->pages.at(index)) {
         drawLine(painter, *line.block, line.line, margin + line.baseline);
     }
-    d->drawFoot(painter, page);
+    drawLine(painter, *d->feet.at(index), 0, footBaseline);
 }

@@ -18,7 +18,8 @@ class QPainter;
 ///
 /// A line is 1.08 times as high as its font asks, with the extra height above it. Spaces above and
 /// below blocks add up, but a page never begins with one. A block may split between any two lines;
-/// only a heading never stays behind at the foot of a page.
+/// headings and signature lines, also several in a row, stay whole and on one page with the first
+/// line of what follows, unless that is taller than a page.
 ///
 /// update() sets only the blocks that changed since the last call: a keystroke costs one block's
 /// line breaking, however long the document is.
@@ -38,19 +39,18 @@ public:
 
     QSPageLayout();
     ~QSPageLayout();
-    QSPageLayout(QSPageLayout &&) noexcept;
-    QSPageLayout &operator=(QSPageLayout &&) noexcept;
 
     /// Sets the document, reusing the lines of blocks that stayed the same.
     void update(const QSRendered &rendered);
 
     /// At least 1: an empty document is one empty page.
     [[nodiscard]] int pageCount() const;
-    /// First page (from 0) that differs from what was laid out before the latest update(), or
-    /// pageCount() when none does: what a view has to repaint.
-    [[nodiscard]] int firstChangedPage() const;
     /// Where a block of the document (from 0) begins, and how far it reaches on that page.
     [[nodiscard]] Place placeOfBlock(int block) const;
+
+    /// The characters that print as empty boxes, since no installed font has them: each once, in
+    /// order of appearance.
+    [[nodiscard]] QString missingCharacters() const;
 
     /// Draws one page's text and its "Page k of N" foot, without a background, in points.
     void drawPage(QPainter &painter, int page) const;

@@ -1,5 +1,8 @@
 #include "QSError.h"
+#include "QSFlatODF.h"
 #include "QSTemplate.h"
+
+#include <QXmlStreamReader>
 
 #include <algorithm>
 #include <cstdlib>
@@ -14,7 +17,7 @@ void require(bool holds)
     }
 }
 
-/// A value for every placeholder and none for each third, cut from the file's own text.
+/// Values cut from the file's own text for all placeholders but each third, which stays empty.
 QSValues valuesFor(const QSTemplate &form, const QString &text)
 {
     QSValues values;
@@ -38,6 +41,15 @@ void checkTyped(const QSTemplate &form, const QSValues &values, const QStringLis
     }
 }
 
+void checkWellFormed(const QByteArray &bytes)
+{
+    QXmlStreamReader xml(bytes);
+    while (!xml.atEnd()) {
+        xml.readNext();
+    }
+    require(!xml.hasError());
+}
+
 void renderAndCheck(const QSTemplate &form, const QSValues &values)
 {
     const QSRendered rendered = form.render(values);
@@ -51,6 +63,7 @@ void renderAndCheck(const QSTemplate &form, const QSValues &values)
         cells += block.cells;
     }
     checkTyped(form, values, cells);
+    checkWellFormed(QSFlatODF::write(rendered));
 }
 } // namespace
 

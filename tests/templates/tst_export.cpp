@@ -2,9 +2,10 @@
 #include "QSExport.h"
 #include "QSInfo.h"
 #include "QSPageLayout.h"
-#include "secondreader.h"
+#include "SecondReader.h"
 
 #include <QBuffer>
+#include <QFontDatabase>
 #include <QPageRanges>
 #include <QPdfWriter>
 #include <QRegularExpression>
@@ -109,7 +110,6 @@ class TestExport : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase();
     void pdfGivesBackEveryWord();
     void pdfSaysWhatItIs();
     void pdfIsSound_data();
@@ -122,20 +122,14 @@ private Q_SLOTS:
     void printFitsThePaper();
     void printTakesTheWantedPages();
     void printFailures();
-    void formatsInOrder();
     void safeFileName_data();
     void safeFileName();
     void longFileNameStaysWhole();
 };
 
-void TestExport::initTestCase()
-{
-    QS_NEEDS("pdftotext");
-    QS_NEEDS("pdfinfo");
-}
-
 void TestExport::pdfGivesBackEveryWord()
 {
+    QS_NEEDS("pdftotext");
     QString expected;
     for (const QSBlock &block : sample().blocks) {
         expected += block.cells.join(u' ') + u' ';
@@ -149,12 +143,13 @@ void TestExport::pdfGivesBackEveryWord()
 
 void TestExport::pdfSaysWhatItIs()
 {
+    QS_NEEDS("pdfinfo");
+    QS_NEEDS("pdffonts");
     const QByteArray pdf = QSExport::pdf(sample());
     QCOMPARE(pdfInfo(pdf, QStringLiteral("Title")), sample().title);
     QCOMPARE(pdfInfo(pdf, QStringLiteral("Creator")), QSInfo::appName);
     QCOMPARE(pdfInfo(pdf, QStringLiteral("Page size")), QStringLiteral("612 x 792 pts (letter)"));
 
-    QS_NEEDS("pdffonts");
     const QString fonts =
         SecondReader::read(pdf, QStringLiteral("pdffonts"), {QStringLiteral("@")});
     const QStringList lines = fonts.split(u'\n', Qt::SkipEmptyParts).mid(2);
@@ -162,6 +157,9 @@ void TestExport::pdfSaysWhatItIs()
         QStringLiteral(" yes +(yes|no) +yes +\\d+ +\\d+$"));
     for (const QString &line : lines) {
         QVERIFY2(embeddedWithText.match(line).hasMatch(), qPrintable(line));
+    }
+    if (QFontDatabase::hasFamily(QStringLiteral("Times New Roman"))) {
+        return;
     }
     for (const auto &face :
          {QStringLiteral("LiberationSerif "), QStringLiteral("LiberationSerif-Bold "),
@@ -183,6 +181,7 @@ void TestExport::pdfIsSound_data()
 
 void TestExport::pdfIsSound()
 {
+    QS_NEEDS("pdfinfo");
     QS_NEEDS("qpdf");
     QFETCH(QSRendered, rendered);
     QFETCH(QString, pages);
@@ -196,6 +195,7 @@ void TestExport::pdfIsSound()
 
 void TestExport::pagesAreNumbered()
 {
+    QS_NEEDS("pdftotext");
     constexpr int count = 60;
     const QByteArray pdf = QSExport::pdf(numbered(count));
     QStringList found;
@@ -213,6 +213,7 @@ void TestExport::pagesAreNumbered()
 
 void TestExport::blocksStandWhereTheyShould()
 {
+    QS_NEEDS("pdftotext");
     const QSRendered rendered{
         {},
         {{Kind::title, {QStringLiteral("Title")}},
@@ -262,6 +263,7 @@ void TestExport::blocksStandWhereTheyShould()
 
 void TestExport::lettersWithoutAFontDoNoHarm()
 {
+    QS_NEEDS("pdftotext");
     const QSRendered rendered{
         {},
         {{Kind::paragraph, {QString::fromUtf8("before 한국어 हिन्दी ไทย 😀 𠮷 \u200d after")}},
@@ -276,6 +278,7 @@ void TestExport::lettersWithoutAFontDoNoHarm()
 
 void TestExport::pdfOnAnotherThread()
 {
+    QS_NEEDS("pdftotext");
     QByteArray pdf;
     const std::unique_ptr<QThread> thread(
         QThread::create([&pdf] { pdf = QSExport::pdf(sample()); }));
@@ -306,6 +309,7 @@ void TestExport::printFitsThePaper_data()
 
 void TestExport::printFitsThePaper()
 {
+    QS_NEEDS("pdftotext");
     QFETCH(QPageLayout, paper);
     QFETCH(QPointF, origin);
     QFETCH(qreal, scale);
@@ -320,6 +324,8 @@ void TestExport::printFitsThePaper()
     }
     const std::map<QString, QRectF> expected = wordBoxes(QSExport::pdf(numbered(1)));
     const std::map<QString, QRectF> actual = wordBoxes(printed);
+    QCOMPARE(expected.size(), 4U); // "Number1", and the foot with "1" twice
+    QCOMPARE(actual.size(), expected.size());
     for (const auto &[word, box] : expected) {
         const QPointF should = origin + box.topLeft() * scale;
         const QPointF is = actual.at(word).topLeft();
@@ -335,6 +341,8 @@ void TestExport::printFitsThePaper()
 
 void TestExport::printTakesTheWantedPages()
 {
+    QS_NEEDS("pdfinfo");
+    QS_NEEDS("pdftotext");
     QByteArray printed;
     QBuffer buffer(&printed);
     buffer.open(QIODevice::WriteOnly);
@@ -363,17 +371,6 @@ void TestExport::printFailures()
     QCOMPARE(buffer.size(), 0);
 }
 
-void TestExport::formatsInOrder()
-{
-    QStringList lines;
-    for (const QSExport::FormatInfo &each : QSExport::formats) {
-        QCOMPARE(QSExport::info(each.format).extension, each.extension);
-        lines.append(each.extension.toString() + u' ' + each.label.toString());
-    }
-    QCOMPARE(lines.join(u'|'), QStringLiteral("pdf PDF|docx Word (.docx)|rtf Rich Text (.rtf)"));
-    QVERIFY(QSExport::data(sample(), QSExport::Format::pdf).startsWith("%PDF-"));
-}
-
 void TestExport::safeFileName_data()
 {
     QTest::addColumn<QString>("text");
@@ -382,18 +379,14 @@ void TestExport::safeFileName_data()
         QTest::newRow(name) << text << stem;
     };
 
-    row("plain", QStringLiteral("Bill of Sale"), QStringLiteral("Bill of Sale"));
-    row("separators", QStringLiteral("A/B: C?"), QStringLiteral("A-B- C-"));
     row("only separators", QStringLiteral("///"), QStringLiteral("---"));
     row("every refused character", QStringLiteral("1/2:3\\4?5%6*7|8\"9<0>"),
         QStringLiteral("1-2-3-4-5-6-7-8-9-0-"));
     row("spaces around", QStringLiteral("  Lease  2 "), QStringLiteral("Lease  2"));
     row("only spaces", QStringLiteral(" \t "), QStringLiteral("Document"));
-    row("nothing", QString(), QStringLiteral("Document"));
     row("line end", QStringLiteral("Lease\nof 2025"), QStringLiteral("Lease of 2025"));
-    row("this folder", QStringLiteral("."), QStringLiteral("Document"));
     row("folder above", QStringLiteral(".."), QStringLiteral("Document"));
-    row("hidden file", QStringLiteral(" .profile"), QStringLiteral("profile"));
+    row("hidden file", QStringLiteral(" \u00a0. .profile"), QStringLiteral("profile"));
     row("dot at the end", QStringLiteral("Ann Lee Jr."), QStringLiteral("Ann Lee Jr."));
     row("first 120 characters", QString(119, u'a') + QStringLiteral("bc"),
         QString(119, u'a') + u'b');

@@ -13,8 +13,8 @@
 #include <memory>
 #include <vector>
 
-/// Every case but the last ones runs a script in LibreOffice's place, which finds its output's path
-/// in $out and a folder that outlives the conversion in $kept.
+/// Most cases run a script in LibreOffice's place, which finds its output's path in $out and a
+/// folder that outlives the conversion in $kept.
 class TestOfficeConverter : public QObject
 {
     Q_OBJECT
@@ -32,12 +32,15 @@ private Q_SLOTS:
     void brokenProfileIsReplacedOnce();
     void profileIsKeptAfterSuccess();
     void oneConversionAtATime();
+    void removesWhatACrashLeft();
     void convertsWithLibreOffice();
+    void cancelAllEndsConversions(); // the last, since it is for good
 
 private:
     void useScript(const QByteArray &commands);
     [[nodiscard]] QString kept(const QString &name) const { return m_home->filePath(name); }
     [[nodiscard]] QByteArray keptText(const QString &name) const;
+    [[nodiscard]] static QDir officeFolder();
     [[nodiscard]] static QString convertFailure(const QString &target = QStringLiteral("docx"));
     [[nodiscard]] static bool isRunning(const QByteArray &pid);
 
@@ -66,6 +69,7 @@ void TestOfficeConverter::cleanup()
         QDir(m_temp->path()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
     qunsetenv("TMPDIR");
     QVERIFY2(left.isEmpty(), qPrintable(left.join(u' ')));
+    QCOMPARE(officeFolder().entryList({QStringLiteral("conversion-*")}), QStringList());
 }
 
 void TestOfficeConverter::useScript(const QByteArray &commands)
@@ -96,6 +100,12 @@ QByteArray TestOfficeConverter::keptText(const QString &name) const
 {
     QFile file(kept(name));
     return file.open(QIODevice::ReadOnly) ? file.readAll().trimmed() : QByteArray("(no file)");
+}
+
+QDir TestOfficeConverter::officeFolder()
+{
+    return QDir(QStandardPaths::writableLocation(QStandardPaths::CacheLocation) +
+                QStringLiteral("/office"));
 }
 
 QString TestOfficeConverter::convertFailure(const QString &target)
@@ -146,6 +156,9 @@ void TestOfficeConverter::failures_data()
     QTest::newRow("output of another kind")
         << QByteArray("echo '<html>' > $out")
         << QStringLiteral("LibreOffice wrote a file that is no docx document.");
+    QTest::newRow("output that can't be read")
+        << QByteArray("ln -s /proc/self/mem $out") // opens, but not even root reads its beginning
+        << QStringLiteral("LibreOffice's document can't be read: Input/output error");
     QTest::newRow("crash") << QByteArray("kill -SEGV $$")
                            << QStringLiteral("LibreOffice broke down.");
 }
@@ -243,11 +256,19 @@ void TestOfficeConverter::oneConversionAtATime()
 
     // Another process of the user holds the folder.
     useScript("printf 'PK\\003\\004' > $out");
-    QLockFile other(QStandardPaths::writableLocation(QStandardPaths::CacheLocation) +
-                    QStringLiteral("/office/lock"));
+    QLockFile other(officeFolder().filePath(QStringLiteral("lock")));
     QVERIFY(other.lock());
     OfficeConverter::setTimeLimit(std::chrono::milliseconds(300));
     QCOMPARE(convertFailure(), QStringLiteral("LibreOffice took more than 0.3 seconds."));
+}
+
+void TestOfficeConverter::removesWhatACrashLeft()
+{
+    const QDir left = officeFolder().filePath(QStringLiteral("conversion-crash"));
+    QVERIFY(left.mkpath(QStringLiteral("inner")));
+    useScript("printf 'PK\\003\\004' > $out");
+    QVERIFY(!OfficeConverter::convert("x", QStringLiteral("docx")).isEmpty());
+    QVERIFY(!left.exists());
 }
 
 void TestOfficeConverter::convertsWithLibreOffice()
@@ -266,6 +287,30 @@ void TestOfficeConverter::convertsWithLibreOffice()
     const QString failure = convertFailure(QStringLiteral("docx:No Such Filter"));
     QVERIFY2(failure.startsWith(QStringLiteral("LibreOffice wrote no document.")),
              qPrintable(failure));
+}
+
+void TestOfficeConverter::cancelAllEndsConversions()
+{
+    useScript("mkdir -p $profile; echo $$ > $kept/parent; sleep 600");
+    const auto convert = [](QString *failure) {
+        return std::unique_ptr<QThread>(
+            QThread::create([failure] { *failure = convertFailure(); }));
+    };
+    QString running;
+    QString waiting;
+    const auto first = convert(&running);
+    first->start();
+    QTRY_VERIFY(keptText(QStringLiteral("parent")).toInt() > 0);
+    const auto second = convert(&waiting);
+    second->start();
+
+    OfficeConverter::cancelAll();
+    QVERIFY(first->wait(10'000) && second->wait(10'000));
+    const QString cause = QStringLiteral("The program is closing.");
+    QCOMPARE(running, cause);
+    QCOMPARE(waiting, cause);
+    QVERIFY(!isRunning(keptText(QStringLiteral("parent"))));
+    QCOMPARE(convertFailure(), cause);
 }
 
 QTEST_GUILESS_MAIN(TestOfficeConverter)

