@@ -66,7 +66,11 @@ void MainMenu::createGoMenu(const QList<Screen> &screens)
         // the digit is the screen's place among all of them
         const QKeySequence key(u"Ctrl+%1"_s.arg(static_cast<int>(screen) + 1));
         menu->addAction(VxIcon::named(info.symbol.toString()), info.title.toString(), key, &m_model,
-                        [this, screen] { m_model.show(screen); });
+                        [this, screen] {
+                            if (m_model.show(screen)) {
+                                Q_EMIT screenRequested();
+                            }
+                        });
     }
     menu->addSeparator();
     menu->addAction(u"Search"_s, key(u"Ctrl+F"), this, [this] { Q_EMIT findRequested(); });

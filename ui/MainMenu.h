@@ -21,6 +21,8 @@ public:
 Q_SIGNALS:
     /// The user wants to type into the search field.
     void findRequested();
+    /// The user went to a screen and goes on in it.
+    void screenRequested();
 
 private:
     void createFileMenu();

@@ -55,12 +55,23 @@ QWidget *MainWindow::createScreen(Screen screen)
     }
 }
 
+void MainWindow::addPage(QWidget *page)
+{
+    m_pages->addWidget(page);
+    // Tab reaches the footer after every page
+    QWidget *last = previousInFocusChain();
+    while (!(last->focusPolicy() & Qt::TabFocus)) { // Qt passes over the others in setTabOrder()
+        last = last->previousInFocusChain();
+    }
+    setTabOrder(last, m_disclaimer);
+}
+
 QWidget *MainWindow::screenPage()
 {
     QWidget *&page = m_screens[m_model.screen()];
     if (!page) {
         page = createScreen(m_model.screen());
-        m_pages->addWidget(page);
+        addPage(page);
     }
     return page;
 }
@@ -69,7 +80,7 @@ SearchView *MainWindow::results()
 {
     if (!m_results) {
         m_results = new SearchView(m_model, m_pages);
-        m_pages->addWidget(m_results);
+        addPage(m_results);
     }
     return m_results;
 }
@@ -78,7 +89,7 @@ DocumentEditor *MainWindow::editor()
 {
     if (!m_editor) {
         m_editor = new DocumentEditor(m_model, m_pages);
-        m_pages->addWidget(m_editor);
+        addPage(m_editor);
     }
     return m_editor;
 }
@@ -133,10 +144,10 @@ QWidget *MainWindow::createFooter()
                                 "Laws vary by state; review important matters with an attorney."_s,
                                 VxText::Role::note, footer),
                    1);
-    auto *disclaimer = new QPushButton(u"Disclaimer"_s, footer);
-    connect(disclaimer, &QPushButton::clicked, &m_model,
+    m_disclaimer = new QPushButton(u"Disclaimer"_s, footer);
+    connect(m_disclaimer, &QPushButton::clicked, &m_model,
             [this] { m_model.setShowDisclaimer(true); });
-    row->addWidget(disclaimer);
+    row->addWidget(m_disclaimer);
     return footer;
 }
 
@@ -147,6 +158,8 @@ void MainWindow::connectModel()
         m_search->setFocus(Qt::ShortcutFocusReason);
         m_search->selectAll();
     });
+    connect(menu, &MainMenu::screenRequested, m_pages,
+            [this] { m_pages->currentWidget()->setFocus(Qt::TabFocusReason); });
     connect(m_search, &SearchField::leaveForResults, this, [this] {
         if (m_pages->currentWidget() == m_results) {
             m_results->focusFirst();

@@ -8,6 +8,7 @@
 class AppModel;
 class DocumentEditor;
 class QLabel;
+class QPushButton;
 class QStackedWidget;
 class SearchField;
 class SearchView;
@@ -37,6 +38,7 @@ private:
     /// The page of the model's screen. Pages are made when they are first shown, so that a start
     /// waits for one alone.
     [[nodiscard]] QWidget *screenPage();
+    void addPage(QWidget *page);
     [[nodiscard]] SearchView *results();
     [[nodiscard]] DocumentEditor *editor();
     void createWindow();
@@ -53,6 +55,7 @@ private:
     SearchField *m_search;
     VxMessageBar *m_message;
     QStackedWidget *m_pages;
+    QPushButton *m_disclaimer = nullptr;
     QMap<Screen, QWidget *> m_screens; ///< those made so far; so too the two below
     SearchView *m_results = nullptr;
     DocumentEditor *m_editor = nullptr;

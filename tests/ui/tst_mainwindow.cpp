@@ -139,6 +139,19 @@ private Q_SLOTS:
         QVERIFY(preview->verticalScrollBar()->value() > 0);
     }
 
+    void charactersWithoutAFontAreNamed()
+    {
+        start(u"rent-receipt");
+        auto *line = shown<FieldsPane>()->findChild<QLineEdit *>();
+        line->setText(u"Nguy\u1EC5n"_s);
+        const QString warning = u"No font on this computer can print these characters: "_s;
+        QVERIFY(texts().filter(warning).isEmpty());
+        line->setText(u"\U000F1234"_s); // of the private use area
+        QVERIFY(texts().contains(warning + u"\U000F1234"_s));
+        m_desktop->answers = {dontSave};
+        QVERIFY(m_model->closeEditor());
+    }
+
     void fieldsStillEmptyAreListed()
     {
         start(u"rent-receipt");
@@ -232,6 +245,23 @@ private Q_SLOTS:
         press(Qt::Key_W, Qt::ControlModifier);
         QCOMPARE(focused(), table);
         QCOMPARE(table->currentIndex().data().toString(), u"older"_s);
+    }
+
+    void tabGoesFromTheHeaderThroughThePageToTheFooter()
+    {
+        press(Qt::Key_5, Qt::ControlModifier);
+        QCOMPARE(focused()->accessibleName(), u"Full legal name"_s);
+        press(Qt::Key_Backtab);
+        QCOMPARE(focused(), focus("Search forms and templates"));
+        QTest::keyClicks(focused(), u"small claims"_s);
+        press(Qt::Key_Tab);
+        QCOMPARE(qobject_cast<QPushButton *>(focused())->text(), u"Official page"_s);
+        for (int i = 0; i < 100 && focused() != button(u"Disclaimer"_s); ++i) {
+            QVERIFY(focused()->accessibleName().startsWith(u"Official page "_s) ||
+                    focused()->accessibleName().startsWith(u"Show "_s));
+            press(Qt::Key_Tab);
+        }
+        QCOMPARE(focused(), button(u"Disclaimer"_s));
     }
 
     void theSidebarLeadsBackFromTheEditor()

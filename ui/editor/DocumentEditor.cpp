@@ -37,6 +37,7 @@ DocumentEditor::DocumentEditor(AppModel &model, QWidget *parent)
       m_name(new QLineEdit(this)),
       m_state(VxText::make({}, VxText::Role::note, this)),
       m_stillEmpty(VxText::make({}, VxText::Role::note, this)),
+      m_unprintable(VxText::make({}, VxText::Role::body, this)),
       m_fields(new FieldsPane(this)),
       m_preview(new PaperPreview(this))
 {
@@ -92,6 +93,7 @@ QWidget *DocumentEditor::createCommands()
     column->addLayout(buttons);
     column->addLayout(names);
     column->addWidget(m_stillEmpty);
+    column->addWidget(m_unprintable);
     return bar;
 }
 
@@ -122,6 +124,7 @@ void DocumentEditor::openDocument()
     m_fields->chainTabOrder(m_name, m_preview);
     showAnswers();
     m_preview->open(AppModel::render(document).value_or(QSRendered()));
+    showState();
 }
 
 void DocumentEditor::showAnswers()
@@ -131,13 +134,13 @@ void DocumentEditor::showAnswers()
         m_name->setText(document.title);
     }
     m_fields->setValues(document.values);
-    showState();
 }
 
 void DocumentEditor::reload()
 {
     showAnswers();
     m_preview->follow(AppModel::render(m_model.editing()->document()).value_or(QSRendered()));
+    showState();
 }
 
 void DocumentEditor::valueEdited(const QString &key, const QString &value)
@@ -160,6 +163,10 @@ void DocumentEditor::showState()
         m_state->setText(session.document().id ? u"Saved"_s : QString());
     }
     const QStringList empty = m_fields->emptyFields();
+    const QString missing = m_preview->missingCharacters();
+    m_unprintable->setVisible(!missing.isEmpty());
+    m_unprintable->setText(
+        u"No font on this computer can print these characters: %1"_s.arg(missing));
     m_stillEmpty->setVisible(!empty.isEmpty());
     m_stillEmpty->setText(u"Still empty (printed as blank lines): "_s + empty.join(u", "_s));
 }

@@ -33,6 +33,7 @@ private:
     QLineEdit *m_name;
     QLabel *m_state;
     QLabel *m_stillEmpty;
+    QLabel *m_unprintable;
     FieldsPane *m_fields;
     PaperPreview *m_preview;
 };

@@ -19,7 +19,7 @@ FieldsPane::FieldsPane(QWidget *parent) : QScrollArea(parent)
 void FieldsPane::setTemplate(const QSTemplate &source)
 {
     const int em = fontMetrics().height();
-    auto *content = new QWidget;
+    auto *content = new QWidget(this);
     content->setProperty("clear", true);
     auto *column = new QVBoxLayout(content);
     column->setContentsMargins(0, 0, em, em);

@@ -17,6 +17,8 @@ public:
     void open(const QSRendered &rendered);
     /// Shows the same document after a change, and brings the change into view.
     void follow(const QSRendered &rendered);
+    /// The document's characters for which this computer has no letters; each once.
+    [[nodiscard]] QString missingCharacters() const { return m_layout.missingCharacters(); }
 
 protected:
     void focusInEvent(QFocusEvent *event) override;

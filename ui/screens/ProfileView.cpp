@@ -29,7 +29,7 @@ ProfileView::ProfileView(AppModel &model, QWidget *parent) : QWidget(parent), m_
 
 QWidget *ProfileView::createFields()
 {
-    auto *page = new QWidget;
+    auto *page = new QWidget(this);
     page->setProperty("clear", true);
     auto *panel = new VxPanel(page);
     panel->column()->addWidget(

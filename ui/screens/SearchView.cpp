@@ -81,7 +81,7 @@ SearchView::SearchView(AppModel &model, QWidget *parent) : QScrollArea(parent), 
     setWidgetResizable(true);
     setFocusPolicy(Qt::NoFocus);
     setAccessibleName(u"Search results"_s);
-    auto *content = new QWidget;
+    auto *content = new QWidget(this);
     content->setProperty("clear", true);
     m_column = new QVBoxLayout(content);
     m_column->setContentsMargins({});

@@ -91,7 +91,7 @@ void TemplatesView::createList()
 
 QWidget *TemplatesView::createDetail()
 {
-    auto *panel = new VxPanel;
+    auto *panel = new VxPanel(this);
     QVBoxLayout *column = panel->column();
     const auto add = [panel, column](const QString &text, VxText::Role role) {
         QLabel *label = VxText::make(text, role, panel);
