@@ -32,7 +32,7 @@ QColor VellTheme::RGB::color(double opacity) const
 
 double VellTheme::contrast(RGB a, RGB b)
 {
-    const auto [darker, lighter] = std::minmax(a.luminance(), b.luminance());
+    const auto [darker, lighter] = std::minmax({a.luminance(), b.luminance()});
     return (lighter + 0.05) / (darker + 0.05);
 }
 
