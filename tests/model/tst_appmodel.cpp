@@ -273,7 +273,7 @@ private Q_SLOTS:
             QSKIP("This process may not mount a small file system");
         }
         const QString target = folder + u"/rent.pdf"_s;
-        const QByteArray older(40 * 1024, 'x');
+        const QByteArray older(qsizetype{40} * 1024, 'x');
         writeFile(target, older);
         m_desktop->savePaths = {target};
         QSignalSpy messages(m_model.get(), &AppModel::messageChanged);

@@ -5,7 +5,7 @@
 #include <QPushButton>
 
 namespace ExportMenu {
-void fill(QMenu *menu, QObject *context, std::function<void(QSExport::Format)> chosen)
+void fill(QMenu *menu, QObject *context, const std::function<void(QSExport::Format)> &chosen)
 {
     for (const QSExport::FormatInfo &info : QSExport::formats) {
         QAction *action = menu->addAction(info.label.toString());
@@ -14,10 +14,11 @@ void fill(QMenu *menu, QObject *context, std::function<void(QSExport::Format)> c
     }
 }
 
-void attach(QPushButton *button, QObject *context, std::function<void(QSExport::Format)> chosen)
+void attach(QPushButton *button, QObject *context,
+            const std::function<void(QSExport::Format)> &chosen)
 {
     auto *menu = new QMenu(button);
-    fill(menu, context, std::move(chosen));
+    fill(menu, context, chosen);
     button->setMenu(menu);
     button->setProperty("menu", true);
 }
