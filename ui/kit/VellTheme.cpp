@@ -38,9 +38,8 @@ double VellTheme::contrast(RGB a, RGB b)
 
 VellTheme::RGB VellTheme::readableOn(RGB colour) const
 {
-    return std::max({text, bg, RGB(0x000000), RGB(0xFFFFFF)}, [colour](RGB a, RGB b) {
-        return contrast(a, colour) < contrast(b, colour);
-    });
+    return std::max({text, bg, RGB(0x000000), RGB(0xFFFFFF)},
+                    [colour](RGB a, RGB b) { return contrast(a, colour) < contrast(b, colour); });
 }
 
 namespace VellThemes {
