@@ -35,7 +35,7 @@ MainMenu::MainMenu(AppModel &model, const QList<Screen> &screens, QMainWindow *w
 void MainMenu::createFileMenu()
 {
     QMenu *menu = m_window->menuBar()->addMenu(u"&File"_s);
-    QMenu *fresh = menu->addMenu(u"New Document from Template"_s);
+    QMenu *fresh = menu->addMenu(u"&New Document from Template"_s);
     for (const QSTemplate &each : QSTemplates::all()) {
         connect(fresh->addAction(each.title), &QAction::triggered, this, [this, id = each.id] {
             if (const QSTemplate *source = QSTemplates::templateById(id)) {
@@ -45,17 +45,17 @@ void MainMenu::createFileMenu()
     }
     menu->addSeparator();
     QAction *save =
-        menu->addAction(u"Save"_s, key(u"Ctrl+S"), &m_model, [this] { m_model.saveEdited(); });
-    QMenu *formats = menu->addMenu(u"Export"_s);
+        menu->addAction(u"&Save"_s, key(u"Ctrl+S"), &m_model, [this] { m_model.saveEdited(); });
+    QMenu *formats = menu->addMenu(u"&Export"_s);
     ExportMenu::fill(formats, this,
                      [this](QSExport::Format format) { m_model.exportEdited(format); });
-    QAction *print = menu->addAction(u"Print\u2026"_s, key(u"Ctrl+P"), &m_model,
+    QAction *print = menu->addAction(u"&Print\u2026"_s, key(u"Ctrl+P"), &m_model,
                                      [this] { m_model.printEdited(); });
-    QAction *close = menu->addAction(u"Close Document"_s, key(u"Ctrl+W"), &m_model,
+    QAction *close = menu->addAction(u"&Close Document"_s, key(u"Ctrl+W"), &m_model,
                                      [this] { m_model.closeEditor(); });
     m_documentCommands = {save, formats->menuAction(), print, close};
     menu->addSeparator();
-    menu->addAction(u"Quit"_s, key(u"Ctrl+Q"), m_window, [this] { m_window->close(); });
+    menu->addAction(u"&Quit"_s, key(u"Ctrl+Q"), m_window, [this] { m_window->close(); });
 }
 
 void MainMenu::createGoMenu(const QList<Screen> &screens)
@@ -73,7 +73,7 @@ void MainMenu::createGoMenu(const QList<Screen> &screens)
                         });
     }
     menu->addSeparator();
-    menu->addAction(u"Search"_s, key(u"Ctrl+F"), this, [this] { Q_EMIT findRequested(); });
+    menu->addAction(u"&Search"_s, key(u"Ctrl+F"), this, [this] { Q_EMIT findRequested(); });
 }
 
 void MainMenu::createHelpMenu()
