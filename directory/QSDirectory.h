@@ -6,6 +6,7 @@
 #include <QByteArray>
 #include <QList>
 #include <QString>
+#include <QStringList>
 
 #include <array>
 #include <optional>
@@ -63,4 +64,9 @@ struct QSDirectory
     [[nodiscard]] QList<QSCategory> categoriesFor(QStringView state) const;
     /// Every distinct link, under the first label that names it: entries, then jurisdictions.
     [[nodiscard]] QList<Link> allLinks() const;
+    /// What is wrong with the directory, a line each, in the order of the file; empty when it is
+    /// sound. Touches no network.
+    [[nodiscard]] QStringList problems() const;
+    /// True for an https link without blanks whose host has a dot inside.
+    [[nodiscard]] static bool wellFormed(const QString &url);
 };

@@ -32,6 +32,7 @@ void lookUpEverything(const QSDirectory &directory)
         require(!directory.entriesFor(entry.j, entry.cat).isEmpty());
     }
     static_cast<void>(directory.federal());
+    static_cast<void>(directory.problems());
     static_cast<void>(directory.allLinks());
     require(directory.states().size() <= static_cast<qsizetype>(QSDirectory::covered.size()));
 }
