@@ -264,7 +264,7 @@ private Q_SLOTS:
     {
         QTest::addColumn<Change>("change");
         QTest::addColumn<QStringList>("lines");
-        const auto row = [](const char *name, Change change, const QStringList &lines) {
+        const auto row = [](const char *name, const Change &change, const QStringList &lines) {
             QTest::newRow(name) << change << lines;
         };
         row("sound", [](QSDirectory &) {}, {});
