@@ -30,7 +30,7 @@ QString missingContent()
     if (!QSDirectory::loadError().isEmpty()) {
         problems.append(QSDirectory::loadError());
     }
-    return problems.join(u" "_s);
+    return problems.join(u'\n');
 }
 } // namespace
 
