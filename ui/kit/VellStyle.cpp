@@ -96,6 +96,7 @@ QMenu::item:disabled { color: FAINT; }
 QMenu::separator { height: 1px; background: LINE; margin: 0.3em 0.6em; }
 
 QCalendarWidget QWidget { background: PANELBOTTOM; color: TEXT; alternate-background-color: PANELTOP; }
+QCalendarWidget QTableView::item { padding: 0; }
 QCalendarWidget QAbstractItemView { selection-background-color: ACCENT;
   selection-color: ONACCENT; border-radius: 0; }
 )";

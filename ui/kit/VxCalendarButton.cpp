@@ -5,6 +5,7 @@
 #include <QCalendarWidget>
 #include <QLocale>
 #include <QMenu>
+#include <QTextCharFormat>
 #include <QWidgetAction>
 
 using namespace Qt::Literals::StringLiterals;
@@ -24,6 +25,11 @@ void VxCalendarButton::openCalendar()
     auto *calendar = new QCalendarWidget(&menu);
     calendar->setLocale(QLocale(QLocale::English, QLocale::UnitedStates));
     calendar->setVerticalHeaderFormat(QCalendarWidget::NoVerticalHeader);
+    const int em = fontMetrics().height();
+    calendar->setMinimumSize(em * 20, em * 17);
+    for (const Qt::DayOfWeek day : {Qt::Saturday, Qt::Sunday}) { // red is hard to read on dark
+        calendar->setWeekdayTextFormat(day, QTextCharFormat());
+    }
     calendar->setSelectedDate(m_date.isValid() ? m_date : QDate::currentDate());
     auto *action = new QWidgetAction(&menu);
     action->setDefaultWidget(calendar);
