@@ -8,7 +8,6 @@ using namespace Qt::Literals::StringLiterals;
 int main(int argc, char *argv[])
 {
     PaintWatch application(argc, argv);
-    QApplication::setApplicationDisplayName(QSInfo::appName);
     QApplication::setApplicationVersion(QSInfo::version());
     QApplication::setDesktopFileName(u"quillstone"_s);
     FirstPaint::reportAndEnd(application);
