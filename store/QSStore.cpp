@@ -2,6 +2,7 @@
 
 #include "QSDatabaseFile.h"
 #include "QSError.h"
+#include "QSFile.h"
 #include "QSInfo.h"
 #include "QSTemplates.h"
 
@@ -10,7 +11,6 @@
 #include <QFileInfo>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QSaveFile>
 #include <QUuid>
 
 #include <algorithm>
@@ -100,12 +100,10 @@ QString filledPath(const QString &fileName)
 
 void writePDF(const QString &path, const QByteArray &data)
 {
-    QSaveFile file(path);
-    const bool written = file.open(QIODevice::WriteOnly) &&
-                         file.setPermissions(QFile::ReadOwner | QFile::WriteOwner) &&
-                         file.write(data) == data.size() && file.commit();
-    if (!written) {
-        throw QSError::invalid(u"The PDF could not be saved: "_s + file.errorString());
+    try {
+        QSFile::write(path, data, QSFile::Readers::owner);
+    } catch (const QSError &error) {
+        throw QSError::invalid(u"The PDF could not be saved: "_s + error.payload());
     }
 }
 } // namespace

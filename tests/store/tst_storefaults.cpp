@@ -39,12 +39,25 @@ QSDocument numbered(int number)
             .modified = {}};
 }
 
-/// Saves documents for as long as it lives, and names each once it is saved: "id number".
+/// What passes for a filled PDF, every byte following from its number.
+QByteArray numberedPDF(int number)
+{
+    return "%PDF " + (QByteArray::number(number) + ' ').repeated(1000 + number % 20'000);
+}
+
+/// Saves documents, and filled copies over one another, for as long as it lives, and names each
+/// number once both are saved: "document's-id number".
 int saveLoop(const QString &path, int number)
 {
+    QSInfo::setDataFolderOverride(QFileInfo(path).path());
     QSStore store(QUrl::fromLocalFile(path));
+    std::optional<QSFilledPDF> copy;
+    if (const QList<QSFilledPDF> copies = store.filledPDFs(); !copies.isEmpty()) {
+        copy = copies.constFirst();
+    }
     while (true) {
         const QSDocument saved = store.save(numbered(number));
+        copy = store.saveFilledPDF(u"us-w-9"_s, u"W-9"_s, numberedPDF(number), copy);
         std::printf("%lld %d\n", static_cast<long long>(*saved.id), number);
         std::fflush(stdout);
         ++number;
@@ -164,6 +177,8 @@ private Q_SLOTS:
     void savesThoughTheIndexFails();
     void survivesAFileThatCannotGrow();
     void survivesAFullDisk();
+    void aFullDiskKeepsTheFilledCopy_data();
+    void aFullDiskKeepsTheFilledCopy();
     void losesNothingWhenKilled();
 
 private:
@@ -380,6 +395,34 @@ void TestStoreFaults::survivesAFullDisk()
     QCOMPARE(store.documents(), saved);
 }
 
+void TestStoreFaults::aFullDiskKeepsTheFilledCopy_data()
+{
+    QTest::addColumn<int>("size");
+    QTest::newRow("smaller than any buffer") << 5'000;
+    QTest::newRow("larger than the disk") << 500'000;
+}
+
+void TestStoreFaults::aFullDiskKeepsTheFilledCopy()
+{
+    QFETCH(int, size);
+    QSStore store(QSInfo::databaseURL());
+    const QString folder = QSInfo::filledFolder().path();
+    const SmallDisk disk(folder, 64 * 1024);
+    if (!disk.mounted()) {
+        QSKIP("This process may not mount a small file system");
+    }
+    const QByteArray older = "%PDF" + QByteArray(5'000, 'o');
+    const QSFilledPDF record = store.saveFilledPDF(u"us-w-9"_s, u"W-9"_s, older);
+    QFile filler(folder + u"/filler"_s);
+    QVERIFY(filler.open(QIODevice::WriteOnly | QIODevice::Unbuffered));
+    while (filler.write(QByteArray(4096, 'x')) == 4096) {
+    }
+    const QByteArray newer = "%PDF" + QByteArray(size, 'n');
+    QCOMPARE(sentence([&] { store.saveFilledPDF(u"us-w-9"_s, u"W-9"_s, newer, record); }),
+             u"The PDF could not be saved: No space left on device"_s);
+    QCOMPARE(contents(folder + u'/' + record.fileName), older);
+}
+
 void TestStoreFaults::losesNothingWhenKilled()
 {
     const QString path = ScratchUser::database();
@@ -413,6 +456,13 @@ void TestStoreFaults::losesNothingWhenKilled()
             QCOMPARE(kept->values, expected.values);
             number = words.at(1).toInt() + 1;
         }
+        const QList<QSFilledPDF> copies = store.filledPDFs();
+        QCOMPARE(copies.size(), 1);
+        const QByteArray copy =
+            contents(QSInfo::filledFolder().filePath(copies.constFirst().fileName));
+        const int copied = copy.split(' ').value(1).toInt();
+        QVERIFY2(copied >= number - 1, copy.first(20).constData());
+        QCOMPARE(copy, numberedPDF(copied));
     }
 }
 

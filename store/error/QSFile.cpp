@@ -1,0 +1,31 @@
+#include "QSFile.h"
+
+#include "QSError.h"
+
+#include <QFile>
+#include <QSaveFile>
+
+namespace QSFile {
+void write(const QString &path, const QByteArray &data, Readers readers)
+{
+    QSaveFile file(path);
+    const bool written = file.open(QIODevice::WriteOnly) &&
+                         (readers == Readers::everyone ||
+                          file.setPermissions(QFile::ReadOwner | QFile::WriteOwner)) &&
+                         file.write(data) == data.size() &&
+                         file.flush() && // commit() forgets a failure of the last buffer
+                         file.commit();
+    if (!written) {
+        throw QSError::invalid(file.errorString());
+    }
+}
+
+QByteArray read(const QString &path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) {
+        throw QSError::invalid(file.errorString());
+    }
+    return file.readAll();
+}
+} // namespace QSFile
