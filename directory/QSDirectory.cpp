@@ -46,13 +46,14 @@ const Loaded &loaded()
 class LinkList
 {
 public:
-    void add(const QString &label, const QString &url, bool browserOnly = false)
+    void add(const QString &label, const QString &url, bool browserOnly = false,
+             bool expectPDF = false)
     {
         if (url.isEmpty() || m_seen.contains(url)) {
             return;
         }
         m_seen.insert(url);
-        m_links.append({label, url, browserOnly || QSHosts::isBotProtected(url)});
+        m_links.append({label, url, browserOnly || QSHosts::isBotProtected(url), expectPDF});
     }
     [[nodiscard]] QList<QSDirectory::Link> links() const { return m_links; }
 
@@ -131,7 +132,7 @@ QList<QSDirectory::Link> QSDirectory::allLinks() const
     LinkList list;
     for (const QSEntry &entry : entries) {
         const QString label = entry.j + u' ' + entry.displayTitle();
-        list.add(label, entry.url, entry.browserOnly);
+        list.add(label, entry.url, entry.browserOnly, entry.kind == QSKind::pdf);
         list.add(label + u" (info page)"_s, entry.info, entry.browserOnly);
     }
     for (const QSJurisdiction &place : jurisdictions) {

@@ -19,12 +19,13 @@
 /// directory.
 struct QSDirectory
 {
-    /// A link to check, with a label for people. skip: not to be fetched in bulk.
+    /// A link to check, with a label for people.
     struct Link
     {
         QString label;
         QString url;
-        bool skip = false;
+        bool skip = false;      ///< opens in a browser alone: its site may turn programs away
+        bool expectPDF = false; ///< what answers has to be a PDF
 
         bool operator==(const Link &) const = default;
     };

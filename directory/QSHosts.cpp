@@ -10,4 +10,11 @@ bool isBotProtected(const QString &url)
     const QString host = QUrl(url).host(); // QUrl gives hosts in lower case
     return std::ranges::find(botProtected, host) != botProtected.end();
 }
+
+bool isHandChecked(const QString &url)
+{
+    const QString host = QUrl(url).host();
+    return std::ranges::find(handChecked, host) != handChecked.end() ||
+           host.endsWith(QStringLiteral(".%1").arg(courtDomain));
+}
 } // namespace QSHosts

@@ -233,6 +233,8 @@ private Q_SLOTS:
         QVERIFY(!links.at(0).skip);
         QVERIFY(links.at(1).skip); // opens in the browser only
         QVERIFY(links.at(2).skip); // a host that turns programs away
+        QVERIFY(links.at(0).expectPDF);
+        QVERIFY(!links.at(2).expectPDF); // a PDF's info page
     }
 
     void onlyPlainHttpsLinksAreWellFormed_data()
