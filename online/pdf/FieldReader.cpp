@@ -1,0 +1,307 @@
+#include "FieldReader.h"
+
+#include "QpdfFile.h"
+
+#include <QRegularExpression>
+
+#include <qpdf/QPDFFormFieldObjectHelper.hh>
+#include <qpdf/QPDFObjectHandle.hh>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+using Kind = FormField::Kind;
+
+constexpr int radiosInUnison = 1 << 25; // bit 26; qpdf's constant for it is another bit
+constexpr int deepest = 64;             // of a field below its form; real ones have five steps
+
+QString toQString(const std::string &utf8)
+{
+    return QString::fromStdString(utf8);
+}
+
+/// Line ends of all systems as "\n".
+QString withPlainLineEnds(QString text)
+{
+    return text.replace(u"\r\n"_s, u"\n"_s).replace(u'\r', u'\n');
+}
+
+/// A text that stands in a PDF as a string or, when long, as a stream.
+QString textOf(QPDFObjectHandle object)
+{
+    if (object.isString()) {
+        return toQString(object.getUTF8Value());
+    }
+    if (object.isStream()) {
+        const auto data = object.getStreamData(qpdf_dl_all);
+        const std::string bytes(reinterpret_cast<const char *>(data->getBuffer()), data->getSize());
+        return toQString(QPDFObjectHandle::newString(bytes).getUTF8Value());
+    }
+    return {};
+}
+
+int flagsOf(QPDFObjectHandle widget)
+{
+    QPDFObjectHandle flags = widget.getKey("/F");
+    return flags.isInteger() ? flags.getIntValueAsInt() : 0;
+}
+
+std::optional<Kind> kindOf(QPDFFormFieldObjectHelper &field)
+{
+    const std::string type = field.getFieldType();
+    const int flags = field.getFlags();
+    if (type == "/Tx") {
+        return Kind::text;
+    }
+    if (type == "/Ch") {
+        return (flags & ff_ch_combo) != 0 ? Kind::comboBox : Kind::listBox;
+    }
+    if (type == "/Sig") {
+        return Kind::signature;
+    }
+    if (type != "/Btn") {
+        return std::nullopt;
+    }
+    if ((flags & ff_btn_pushbutton) != 0) {
+        return Kind::pushButton;
+    }
+    return (flags & ff_btn_radio) != 0 ? Kind::radio : Kind::checkBox;
+}
+
+/// "form1[0].Page1[0].family_name[0]" as "Family name".
+QString readable(const QString &name)
+{
+    static const QRegularExpression index(u"\\[\\d+\\]"_s);
+    static const QRegularExpression hump(u"(?<=[\\p{Ll}\\d])(?=\\p{Lu}\\p{Ll})"_s);
+    QString label = name.section(u'.', -1);
+    label.remove(index).replace(hump, u" "_s).replace(u'_', u' ');
+    label = label.simplified();
+    return label.isEmpty() ? label : label.first(1).toUpper() + label.sliced(1);
+}
+
+QByteArray fontToken(const QByteArray &appearance, int before)
+{
+    const QList<QByteArray> tokens = appearance.simplified().split(' ');
+    const qsizetype at = tokens.indexOf("Tf");
+    return at >= before ? tokens.at(at - before) : QByteArray();
+}
+
+QList<FormField::Choice> choicesOf(QPDFObjectHandle options)
+{
+    QList<FormField::Choice> choices;
+    if (!options.isArray()) {
+        return choices;
+    }
+    for (QPDFObjectHandle option : options.getArrayAsVector()) {
+        if (option.isArray() && option.getArrayNItems() > 1) {
+            choices.append({.label = textOf(option.getArrayItem(1)),
+                            .exportValue = textOf(option.getArrayItem(0))});
+        } else {
+            const QString text = textOf(option);
+            choices.append({.label = text, .exportValue = text});
+        }
+    }
+    return choices;
+}
+
+int positionOf(const QList<FormField::Choice> &choices, const QString &text)
+{
+    const auto find = [&](auto member) {
+        const auto found = std::ranges::find(choices, text, member);
+        return found == choices.end() ? -1 : static_cast<int>(found - choices.begin());
+    };
+    const int position = find(&FormField::Choice::exportValue);
+    return position >= 0 ? position : find(&FormField::Choice::label);
+}
+
+/// The texts or numbers of an array; a single one stands for itself.
+std::vector<QPDFObjectHandle> itemsOf(QPDFObjectHandle object)
+{
+    return object.isArray() ? object.getArrayAsVector() : std::vector{object};
+}
+
+FormValue choiceValue(const FormField &field, QPDFFormFieldObjectHelper &helper)
+{
+    FormValue value;
+    QPDFObjectHandle stored = helper.getInheritableFieldValue("/V");
+    if (stored.isNull()) {
+        for (QPDFObjectHandle item : itemsOf(helper.getInheritableFieldValue("/I"))) {
+            if (item.isInteger() && item.getIntValue() >= 0 &&
+                item.getIntValue() < field.choices.size()) {
+                value.chosen.append(item.getIntValueAsInt());
+            }
+        }
+    }
+    for (const QPDFObjectHandle &item : itemsOf(stored)) {
+        const QString text = textOf(item);
+        const int position = positionOf(field.choices, text);
+        if (position >= 0) {
+            value.chosen.append(position);
+        } else if (field.editable) {
+            value.text = text;
+        }
+    }
+    std::ranges::sort(value.chosen);
+    value.chosen.erase(std::unique(value.chosen.begin(), value.chosen.end()), value.chosen.end());
+    if (!field.multiSelect && value.chosen.size() > 1) {
+        value.chosen.resize(1);
+    }
+    return value;
+}
+
+void readText(Widget &widget, QPDFFormFieldObjectHelper &helper)
+{
+    FormField &field = widget.field;
+    const int flags = helper.getFlags();
+    field.multiLine = (flags & ff_tx_multiline) != 0;
+    field.password = (flags & ff_tx_password) != 0;
+    QPDFObjectHandle length = helper.getInheritableFieldValue("/MaxLen");
+    field.maxLength = length.isInteger() ? std::max(0, length.getIntValueAsInt()) : 0;
+    field.comb = (flags & ff_tx_comb) != 0 && field.maxLength > 0 && !field.multiLine &&
+                 !field.password && (flags & ff_tx_file_select) == 0;
+    widget.value.text = withPlainLineEnds(textOf(helper.getInheritableFieldValue("/V")));
+}
+
+void readChoice(Widget &widget, QPDFFormFieldObjectHelper &helper)
+{
+    FormField &field = widget.field;
+    const int flags = helper.getFlags();
+    field.choices = choicesOf(helper.getInheritableFieldValue("/Opt"));
+    field.editable = field.kind == Kind::comboBox && (flags & ff_ch_edit) != 0;
+    field.multiSelect = field.kind == Kind::listBox && (flags & ff_ch_multi_select) != 0;
+    widget.value = choiceValue(field, helper);
+}
+
+/// The state of a button's appearance that is not "Off", as a name with its slash.
+std::string onStateOf(QPDFObjectHandle object)
+{
+    QPDFObjectHandle normal = entryOf(object.getKey("/AP"), "/N");
+    if (normal.isDictionary()) {
+        for (const std::string &key : normal.getKeys()) {
+            if (key != "/Off") {
+                return key;
+            }
+        }
+    }
+    QPDFObjectHandle state = object.getKey("/AS");
+    return state.isName() && state.getName() != "/Off" ? state.getName() : "/Yes";
+}
+
+/// The value that a state stands for: where the field lists its values, a state is a position.
+QString buttonValue(const QByteArray &state, QPDFObjectHandle options)
+{
+    bool isNumber = false;
+    const int position = state.toInt(&isNumber);
+    if (isNumber && options.isArray() && position >= 0 && position < options.getArrayNItems()) {
+        return textOf(options.getArrayItem(position));
+    }
+    return QString::fromUtf8(state);
+}
+
+void readButton(Widget &widget, QPDFObjectHandle object, QPDFFormFieldObjectHelper &helper)
+{
+    const std::string state = onStateOf(object);
+    widget.onState = QByteArray::fromStdString(state.substr(1));
+    widget.field.onValue = buttonValue(widget.onState, helper.getInheritableFieldValue("/Opt"));
+    QPDFObjectHandle shown = object.getKey("/AS");
+    if (!shown.isName()) {
+        shown = helper.getInheritableFieldValue("/V");
+    }
+    widget.value.on = shown.isName() && shown.getName() == state;
+    widget.inUnison =
+        widget.field.kind == Kind::checkBox || (helper.getFlags() & radiosInUnison) != 0;
+}
+
+QString groupOf(const FormField &field, const QPDFObjectHandle &object)
+{
+    const QString identity = field.name.isEmpty()
+                                 ? toQString(FieldReader::fieldOf(object).getObjGen().unparse(' '))
+                                 : u'.' + field.name;
+    return QString::number(static_cast<int>(field.kind)) + identity;
+}
+
+void readAppearance(Widget &widget, QPDFObjectHandle object)
+{
+    FormField &field = widget.field;
+    QPDFFormFieldObjectHelper helper(object);
+    const QByteArray appearance = FieldReader::defaultAppearance(object);
+    const double size = fontToken(appearance, 1).toDouble();
+    field.fontSize = std::isfinite(size) ? std::max(0.0, size) : 0;
+    constexpr std::array<Qt::AlignmentFlag, 3> alignments = {Qt::AlignLeft, Qt::AlignHCenter,
+                                                             Qt::AlignRight};
+    field.alignment = alignments.at(static_cast<size_t>(std::clamp(helper.getQuadding(), 0, 2)));
+    widget.stale = !entryOf(object.getKey("/AP"), "/N").isStream();
+    widget.verbatim = !entryOf(helper.getInheritableFieldValue("/AA"), "/F").isDictionary();
+}
+} // namespace
+
+QPDFObjectHandle FieldReader::fieldOf(const QPDFObjectHandle &widget)
+{
+    QPDFObjectHandle field = widget;
+    for (int depth = 0; depth < deepest && !field.hasKey("/T"); ++depth) {
+        QPDFObjectHandle parent = field.getKey("/Parent");
+        if (!parent.isDictionary()) {
+            return widget;
+        }
+        field = parent;
+    }
+    return field;
+}
+
+std::optional<Widget> FieldReader::read(const QPDFObjectHandle &object)
+{
+    QPDFFormFieldObjectHelper helper(object);
+    const std::optional<Kind> kind = kindOf(helper);
+    if (!kind) {
+        return std::nullopt;
+    }
+    Widget widget;
+    FormField &field = widget.field;
+    field.kind = *kind;
+    field.name = toQString(helper.getFullyQualifiedName());
+    field.label = textOf(helper.getInheritableFieldValue("/TU")).simplified();
+    if (field.label.isEmpty()) {
+        field.label = readable(field.name);
+    }
+    field.readOnly = (helper.getFlags() & ff_all_read_only) != 0;
+    field.required = (helper.getFlags() & ff_all_required) != 0;
+    const int flags = flagsOf(object);
+    field.shown = (flags & (an_hidden | an_no_view)) == 0;
+    widget.printed = (flags & an_hidden) == 0 && (field.shown || (flags & an_print) != 0);
+    widget.group = groupOf(field, object);
+    if (field.kind == Kind::text) {
+        readText(widget, helper);
+    } else if (field.kind == Kind::comboBox || field.kind == Kind::listBox) {
+        readChoice(widget, helper);
+    } else if (field.kind == Kind::checkBox || field.kind == Kind::radio) {
+        readButton(widget, object, helper);
+        return widget;
+    }
+    readAppearance(widget, object);
+    return widget;
+}
+
+QByteArray FieldReader::fontName(const QByteArray &appearance)
+{
+    const QByteArray name = fontToken(appearance, 2);
+    return name.size() > 1 && name.startsWith('/') ? name : QByteArray();
+}
+
+QByteArray FieldReader::withFontSize(const QByteArray &appearance, double size)
+{
+    QList<QByteArray> tokens = appearance.simplified().split(' ');
+    const qsizetype at = tokens.indexOf("Tf");
+    if (at > 0) {
+        tokens[at - 1] = QByteArray::number(size, 'f', 2);
+    }
+    return tokens.join(' ');
+}
+
+QByteArray FieldReader::defaultAppearance(const QPDFObjectHandle &widget)
+{
+    return QByteArray::fromStdString(QPDFFormFieldObjectHelper(widget).getDefaultAppearance());
+}

@@ -1,0 +1,22 @@
+#pragma once
+
+#include "Widget.h"
+
+#include <optional>
+
+class QPDFObjectHandle;
+
+/// Reads what a PDF says of its form, whatever its makers left out. Any thread, one for each PDF.
+namespace FieldReader {
+/// The object that has the widget's name and value: the widget itself or one that it belongs to.
+[[nodiscard]] QPDFObjectHandle fieldOf(const QPDFObjectHandle &widget);
+/// Everything but the widget's id, page and place. Null when it is no field of a known kind.
+[[nodiscard]] std::optional<Widget> read(const QPDFObjectHandle &widget);
+/// The name of the font in a default appearance ("/Helv 9 Tf 0 g"), with its slash; empty when it
+/// names none.
+[[nodiscard]] QByteArray fontName(const QByteArray &appearance);
+/// The same default appearance with its letters so many points high.
+[[nodiscard]] QByteArray withFontSize(const QByteArray &appearance, double size);
+/// The form's default appearance for the widget.
+[[nodiscard]] QByteArray defaultAppearance(const QPDFObjectHandle &widget);
+} // namespace FieldReader

@@ -1,0 +1,64 @@
+#include "Flattening.h"
+
+#include "QpdfFile.h"
+
+#include <qpdf/QPDF.hh>
+#include <qpdf/QPDFFormFieldObjectHelper.hh>
+#include <qpdf/QPDFObjectHandle.hh>
+#include <qpdf/QPDFPageDocumentHelper.hh>
+
+namespace {
+/// True when the annotation is part of the printed page.
+bool prints(QPDFObjectHandle annotation, int flags)
+{
+    if ((flags & an_hidden) != 0) {
+        return false;
+    }
+    if ((flags & an_print) != 0) {
+        return true;
+    }
+    const bool isWidget = annotation.isDictionaryOfType("", "/Widget");
+    return isWidget && (flags & an_no_view) == 0 &&
+           !QPDFFormFieldObjectHelper(annotation).isPushbutton();
+}
+
+/// The flags say of all annotations alike whether they are drawn; "invisible" speaks only of kinds
+/// that a program doesn't know.
+void settleFlags(QPDFObjectHandle annotation)
+{
+    QPDFObjectHandle stored = annotation.getKey("/F");
+    const int flags = stored.isInteger() ? stored.getIntValueAsInt() : 0;
+    const int kept = flags & ~(an_hidden | an_invisible);
+    annotation.replaceKey(
+        "/F", QPDFObjectHandle::newInteger(prints(annotation, flags) ? kept : kept | an_hidden));
+}
+
+void removeScripts(QPDFObjectHandle root)
+{
+    root.removeKey("/OpenAction");
+    root.removeKey("/AA");
+    QPDFObjectHandle names = root.getKey("/Names");
+    if (names.isDictionary()) {
+        names.removeKey("/JavaScript");
+    }
+}
+} // namespace
+
+void Flattening::apply(QPDF &pdf)
+{
+    QPDFPageDocumentHelper pages(pdf);
+    for (QPDFPageObjectHelper &page : pages.getAllPages()) {
+        QPDFObjectHandle annotations = page.getObjectHandle().getKey("/Annots");
+        if (!annotations.isArray()) {
+            continue;
+        }
+        for (QPDFObjectHandle annotation : annotations.getArrayAsVector()) {
+            if (annotation.isDictionary()) {
+                settleFlags(annotation);
+            }
+        }
+    }
+    pages.flattenAnnotations();
+    pdf.getRoot().removeKey("/AcroForm");
+    removeScripts(pdf.getRoot());
+}

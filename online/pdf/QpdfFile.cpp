@@ -1,0 +1,64 @@
+#include "QpdfFile.h"
+
+#include <qpdf/Pipeline.hh>
+#include <qpdf/QPDF.hh>
+#include <qpdf/QPDFLogger.hh>
+#include <qpdf/QPDFWriter.hh>
+
+namespace {
+/// Collects what qpdf writes.
+class ByteArrayPipeline final : public Pipeline
+{
+public:
+    explicit ByteArrayPipeline(QByteArray &bytes) : Pipeline("bytes", nullptr), m_bytes(bytes) {}
+    void write(unsigned char const *data, size_t length) override
+    {
+        m_bytes.append(reinterpret_cast<const char *>(data), static_cast<qsizetype>(length));
+    }
+    void finish() override {}
+
+private:
+    QByteArray &m_bytes;
+};
+
+std::shared_ptr<QPDF> silentQpdf()
+{
+    auto pdf = QPDF::create();
+    const auto logger = QPDFLogger::create();
+    logger->setInfo(logger->discard());
+    logger->setWarn(logger->discard());
+    logger->setError(logger->discard());
+    pdf->setLogger(logger);
+    pdf->setSuppressWarnings(true);
+    return pdf;
+}
+} // namespace
+
+QpdfFile::QpdfFile() : m_pdf(silentQpdf())
+{
+    m_pdf->emptyPDF();
+}
+
+QpdfFile::QpdfFile(QByteArray bytes) : m_bytes(std::move(bytes)), m_pdf(silentQpdf())
+{
+    m_pdf->processMemoryFile("PDF", m_bytes.constData(), static_cast<size_t>(m_bytes.size()));
+}
+
+QByteArray QpdfFile::write() const
+{
+    QByteArray bytes;
+    bytes.reserve(m_bytes.size() + m_bytes.size() / 4);
+    ByteArrayPipeline pipeline(bytes);
+    QPDFWriter writer(*m_pdf);
+    writer.setOutputPipeline(&pipeline);
+    writer.setPreserveEncryption(false);
+    writer.setStreamDataMode(qpdf_s_preserve);
+    writer.setObjectStreamMode(qpdf_o_preserve);
+    writer.write();
+    return bytes;
+}
+
+QPDFObjectHandle entryOf(QPDFObjectHandle dictionary, const std::string &key)
+{
+    return dictionary.isDictionary() ? dictionary.getKey(key) : QPDFObjectHandle::newNull();
+}

@@ -1,0 +1,385 @@
+#include "WorkingCopy.h"
+
+#include "ButtonAppearance.h"
+#include "FieldReader.h"
+#include "QSError.h"
+#include "QpdfFile.h"
+#include "StructureTree.h"
+
+#include <qpdf/QPDF.hh>
+#include <qpdf/QPDFFormFieldObjectHelper.hh>
+#include <qpdf/QPDFObjectHandle.hh>
+#include <qpdf/QPDFPageDocumentHelper.hh>
+
+#include <algorithm>
+#include <array>
+#include <map>
+#include <set>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+using Kind = FormField::Kind;
+
+/// Where the working copy keeps what it took away from a dictionary.
+constexpr const char *keptKey = "/QuillstoneKept";
+/// What a widget of the working copy has of its own, or must not have.
+constexpr std::array<const char *, 8> ownKeys = {"/T", "/Kids", "/Ff", "/V",
+                                                 "/I", "/AS",   "/DA", "/TI"};
+
+QPDFObjectHandle ensureDictionary(QPDFObjectHandle parent, const std::string &key)
+{
+    if (!parent.getKey(key).isDictionary()) {
+        parent.replaceKey(key, QPDFObjectHandle::newDictionary());
+    }
+    return parent.getKey(key);
+}
+
+QPDFObjectHandle standardFont(const char *name, bool letters)
+{
+    QPDFObjectHandle font = QPDFObjectHandle::newDictionary();
+    font.replaceKey("/Type", QPDFObjectHandle::newName("/Font"));
+    font.replaceKey("/Subtype", QPDFObjectHandle::newName("/Type1"));
+    font.replaceKey("/BaseFont", QPDFObjectHandle::newName(name));
+    if (letters) {
+        font.replaceKey("/Encoding", QPDFObjectHandle::newName("/WinAnsiEncoding"));
+    }
+    return font;
+}
+
+QPDFObjectHandle stateOf(const Widget &widget)
+{
+    return QPDFObjectHandle::newName(widget.value.on ? '/' + widget.onState.toStdString() : "/Off");
+}
+
+/// Turns a file into its working copy.
+class Maker final
+{
+public:
+    Maker(QPDF &pdf, WorkingCopy &copy) : m_pdf(pdf), m_copy(copy) {}
+
+    void run()
+    {
+        m_fields = QPDFObjectHandle::newArray();
+        QPDFObjectHandle root = m_pdf.getRoot();
+        root.removeKey("/Perms"); // usage rights: they forbid some programs to fill the form
+        prepareForm(root);
+        for (QPDFPageObjectHelper &page : QPDFPageDocumentHelper(m_pdf).getAllPages()) {
+            addPage(page.getObjectHandle());
+        }
+        refuseXFAOnly();
+        if (m_copy.tabs.contains("/S")) {
+            readStructure();
+        }
+        m_form.replaceKey(keptKey, m_form.getKey("/Fields"));
+        m_form.replaceKey("/Fields", m_fields);
+    }
+
+private:
+    void prepareForm(QPDFObjectHandle root);
+    void addPage(QPDFObjectHandle page);
+    void tryWidget(const QPDFObjectHandle &object);
+    void addWidget(const QPDFObjectHandle &object);
+    void provideFont(QPDFObjectHandle object);
+    void list(const QPDFObjectHandle &object);
+    static void showWholeList(QPDFObjectHandle object, const FormField &field);
+    static void separate(QPDFObjectHandle object, const Widget &widget, int id);
+    void refuseXFAOnly() const;
+    void readStructure();
+
+    QPDF &m_pdf;
+    WorkingCopy &m_copy;
+    QPDFObjectHandle m_form;
+    QPDFObjectHandle m_fonts;
+    QPDFObjectHandle m_fields;
+    std::set<QPDFObjGen> m_seen;
+    std::set<QPDFObjGen> m_listed; // what the agency's list of fields has
+    bool m_hadXFA = false;
+    bool m_needAppearances = false;
+};
+
+void Maker::prepareForm(QPDFObjectHandle root)
+{
+    m_form = root.getKey("/AcroForm");
+    if (!m_form.isDictionary()) {
+        m_form = QPDFObjectHandle::newDictionary();
+    }
+    if (!m_form.isIndirect()) {
+        m_form = m_pdf.makeIndirectObject(m_form);
+        root.replaceKey("/AcroForm", m_form);
+    }
+    QPDFObjectHandle need = m_form.getKey("/NeedAppearances");
+    m_needAppearances = need.isBool() && need.getBoolValue();
+    m_hadXFA = m_form.hasKey("/XFA");
+    // The signatures that SigFlags speaks of don't outlast a change.
+    for (const char *key : {"/XFA", "/SigFlags", "/NeedAppearances"}) {
+        m_form.removeKey(key);
+    }
+    root.removeKey("/NeedsRendering");
+    m_fonts = ensureDictionary(ensureDictionary(m_form, "/DR"), "/Font");
+    if (!m_fonts.hasKey("/Helv")) {
+        m_fonts.replaceKey("/Helv", m_pdf.makeIndirectObject(standardFont("/Helvetica", true)));
+    }
+    if (!m_fonts.hasKey("/ZaDb")) {
+        m_fonts.replaceKey("/ZaDb", m_pdf.makeIndirectObject(standardFont("/ZapfDingbats", false)));
+    }
+    if (!m_form.getKey("/Fields").isArray()) {
+        m_form.replaceKey("/Fields", QPDFObjectHandle::newArray());
+    }
+    for (const QPDFObjectHandle &field : m_form.getKey("/Fields").getArrayAsVector()) {
+        m_listed.insert(field.getObjGen());
+    }
+    if (!m_form.getKey("/DA").isString()) {
+        m_form.replaceKey("/DA", QPDFObjectHandle::newString("/Helv 0 Tf 0 g"));
+    }
+}
+
+void Maker::addPage(QPDFObjectHandle page)
+{
+    QPDFObjectHandle tabs = page.getKey("/Tabs");
+    m_copy.tabs.append(tabs.isName() ? QByteArray::fromStdString(tabs.getName()) : QByteArray());
+    QPDFObjectHandle annotations = page.getKey("/Annots");
+    const int count = annotations.isArray() ? annotations.getArrayNItems() : 0;
+    for (int i = 0; i < count; ++i) {
+        QPDFObjectHandle object = annotations.getArrayItem(i);
+        if (!object.isDictionaryOfType("", "/Widget")) {
+            continue;
+        }
+        if (!object.isIndirect()) {
+            object = m_pdf.makeIndirectObject(object);
+            annotations.setArrayItem(i, object);
+        }
+        if (m_seen.insert(object.getObjGen()).second) {
+            tryWidget(object);
+        }
+    }
+}
+
+void Maker::tryWidget(const QPDFObjectHandle &object)
+{
+    try {
+        addWidget(object);
+    } catch (const std::exception &) {
+        // A widget in ruins stays as it is; the others can be filled in.
+    }
+}
+
+void Maker::addWidget(const QPDFObjectHandle &object)
+{
+    std::optional<Widget> widget = FieldReader::read(object);
+    if (!widget) {
+        return;
+    }
+    FormField &field = widget->field;
+    field.id = static_cast<int>(m_copy.widgets.size());
+    field.page = static_cast<int>(m_copy.tabs.size()) - 1;
+    if (widget->isToggle()) {
+        ButtonAppearance::complete(m_pdf, object, '/' + widget->onState.toStdString(),
+                                   field.kind == Kind::radio);
+    } else if (field.kind == Kind::text || field.kind == Kind::comboBox ||
+               field.kind == Kind::listBox) {
+        widget->stale = widget->stale || m_needAppearances;
+        provideFont(object);
+    }
+    list(object);
+    separate(object, *widget, field.id);
+    m_fields.appendItem(object);
+    m_copy.widgets.append(*widget);
+}
+
+/// A font that the form names and doesn't have would leave its texts undrawn.
+void Maker::provideFont(QPDFObjectHandle object)
+{
+    const std::string font =
+        FieldReader::fontName(FieldReader::defaultAppearance(object)).toStdString();
+    if (font.empty()) {
+        object.replaceKey("/DA", QPDFObjectHandle::newString("/Helv 0 Tf 0 g"));
+    } else if (!m_fonts.getKey(font).isDictionary()) {
+        m_fonts.replaceKey(font, m_fonts.getKey("/Helv"));
+    }
+}
+
+/// Adds a field that the form has on a page and forgot to list: other programs would not fill it
+/// in, and would not print it either.
+void Maker::list(const QPDFObjectHandle &object)
+{
+    constexpr int deepest = 64;
+    QPDFObjectHandle top = object;
+    for (int depth = 0; depth < deepest; ++depth) {
+        if (m_listed.count(top.getObjGen()) > 0) {
+            return;
+        }
+        QPDFObjectHandle parent = top.getKey("/Parent");
+        if (!parent.isIndirect() || !entryOf(parent, "/Kids").isArray()) {
+            break;
+        }
+        top = parent;
+    }
+    m_form.getKey("/Fields").appendItem(top);
+    m_listed.insert(top.getObjGen());
+}
+
+/// A list on paper can't be scrolled: its letters are as small as it takes to show each choice, if
+/// that can be read.
+void Maker::showWholeList(QPDFObjectHandle object, const FormField &field)
+{
+    constexpr double usual = 12; // of a size that is left open
+    constexpr double smallest = 5;
+    constexpr double lineHeight = 1.2; // of Poppler's lists, and a little
+    const auto rect = object.getKey("/Rect").getArrayAsRectangle();
+    const double lines = std::max(1.0, static_cast<double>(field.choices.size()));
+    const double fitting = std::abs(rect.ury - rect.lly) / (lines * lineHeight);
+    const double wanted = field.fontSize > 0 ? field.fontSize : usual;
+    const double size = std::min(wanted, fitting);
+    if (size >= smallest) {
+        object.replaceKey("/TI", QPDFObjectHandle::newInteger(0));
+    }
+    const QByteArray appearance = FieldReader::withFontSize(FieldReader::defaultAppearance(object),
+                                                            size >= smallest ? size : wanted);
+    object.replaceKey("/DA", QPDFObjectHandle::newString(appearance.toStdString()));
+}
+
+/// Makes a widget a field of its own. What it inherits (type, limit, choices) it inherits still.
+void Maker::separate(QPDFObjectHandle object, const Widget &widget, int id)
+{
+    QPDFObjectHandle kept = QPDFObjectHandle::newDictionary();
+    const int readOnly = QPDFFormFieldObjectHelper(object).getFlags() & ff_all_read_only;
+    for (const char *key : ownKeys) {
+        if (object.hasKey(key)) {
+            kept.replaceKey(key, object.getKey(key));
+        }
+    }
+    object.replaceKey(keptKey, kept);
+    object.replaceKey("/T", QPDFObjectHandle::newString(WorkingCopy::nameOf(id).toStdString()));
+    object.removeKey("/Kids");
+    if (widget.field.kind == Kind::listBox) {
+        showWholeList(object, widget.field);
+    }
+    if (widget.isToggle()) {
+        object.replaceKey("/Ff", QPDFObjectHandle::newInteger(readOnly));
+        object.replaceKey("/V", stateOf(widget));
+        object.replaceKey("/AS", stateOf(widget));
+    }
+}
+
+/// A form for another kind of program has a page that says "Please wait..." and no field.
+void Maker::refuseXFAOnly() const
+{
+    const bool hasField = std::ranges::any_of(
+        m_copy.widgets, [](const Widget &widget) { return widget.field.isSettable(); });
+    if (m_hadXFA && !hasField) {
+        throw QSError::invalid(
+            u"This form is made for another kind of program (XFA) and can't be shown here. The agency's page may offer another version."_s);
+    }
+}
+
+void Maker::readStructure()
+{
+    std::map<QPDFObjGen, int> ids;
+    for (const Widget &widget : std::as_const(m_copy.widgets)) {
+        ids.emplace(m_fields.getArrayItem(widget.field.id).getObjGen(), widget.field.id);
+    }
+    for (const QPDFObjectHandle &annotation : StructureTree::annotations(m_pdf)) {
+        if (const auto found = ids.find(annotation.getObjGen()); found != ids.end()) {
+            m_copy.structure.append(found->second);
+        }
+    }
+}
+
+QPDFObjectHandle stored(const QString &text)
+{
+    QString lines = text;
+    return QPDFObjectHandle::newUnicodeString(lines.replace(u'\n', u'\r').toStdString());
+}
+
+void writeChoice(QPDFObjectHandle field, const Widget &widget)
+{
+    QPDFObjectHandle values = QPDFObjectHandle::newArray();
+    QPDFObjectHandle positions = QPDFObjectHandle::newArray();
+    for (const int chosen : widget.value.chosen) {
+        values.appendItem(stored(widget.field.choices.at(chosen).exportValue));
+        positions.appendItem(QPDFObjectHandle::newInteger(chosen));
+    }
+    if (!widget.value.text.isEmpty()) {
+        values.appendItem(stored(widget.value.text));
+    }
+    field.replaceKey("/V", values.getArrayNItems() == 1 ? values.getArrayItem(0) : values);
+    if (positions.getArrayNItems() > 0) {
+        field.replaceKey("/I", positions);
+    } else {
+        field.removeKey("/I");
+    }
+}
+
+/// What the widget shows, which is its own and not its field's.
+void writeState(QPDFObjectHandle object, const Widget &widget)
+{
+    if (widget.isToggle()) {
+        object.replaceKey("/AS", stateOf(widget));
+    } else if (entryOf(object.getKey("/AP"), "/N").isStream()) {
+        // A single drawing has no states; told of one, other programs find no drawing.
+        object.removeKey("/AS");
+    }
+}
+
+void writeValue(QPDFObjectHandle object, const Widget &widget)
+{
+    QPDFObjectHandle field = FieldReader::fieldOf(object);
+    if (!field.isSameObjectAs(object)) {
+        object.removeKey("/V");
+    }
+    field.removeKey("/RV"); // the same text with its styles, as it was before
+    if (widget.isToggle()) {
+        field.replaceKey("/V", stateOf(widget));
+    } else if (widget.field.kind == Kind::text) {
+        field.replaceKey("/V", stored(widget.value.text));
+    } else {
+        writeChoice(field, widget);
+    }
+}
+} // namespace
+
+WorkingCopy WorkingCopy::make(const QByteArray &bytes)
+{
+    const QpdfFile file(bytes);
+    WorkingCopy copy;
+    Maker(file.pdf(), copy).run();
+    copy.bytes = file.write();
+    return copy;
+}
+
+QString WorkingCopy::nameOf(int id)
+{
+    return u"widget"_s + QString::number(id);
+}
+
+void WorkingCopy::finish(QPDF &pdf, const QList<Widget> &widgets)
+{
+    QPDFObjectHandle form = pdf.getRoot().getKey("/AcroForm");
+    const std::vector<QPDFObjectHandle> objects = form.getKey("/Fields").getArrayAsVector();
+    if (objects.size() != static_cast<size_t>(widgets.size())) {
+        throw QSError::invalid(u"The form's fields could not be written."_s);
+    }
+    for (QPDFObjectHandle object : objects) {
+        const QPDFObjectHandle kept = object.getKey(keptKey);
+        for (const char *key : ownKeys) {
+            object.replaceKey(key, entryOf(kept, key));
+        }
+        object.removeKey(keptKey);
+    }
+    for (qsizetype i = 0; i < widgets.size(); ++i) {
+        writeState(objects.at(static_cast<size_t>(i)), widgets.at(i));
+    }
+    // Of buttons that share a field, the one that is on has the last word.
+    for (const bool on : {false, true}) {
+        for (qsizetype i = 0; i < widgets.size(); ++i) {
+            const Widget &widget = widgets.at(i);
+            if (widget.changed && widget.value.on == on) {
+                writeValue(objects.at(static_cast<size_t>(i)), widget);
+            }
+        }
+    }
+    form.replaceKey("/Fields", form.getKey(keptKey));
+    form.removeKey(keptKey);
+    form.removeKey("/NeedAppearances");
+}
