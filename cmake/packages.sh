@@ -3,7 +3,7 @@
 packages_build=(
   build-essential cmake ninja-build ccache pkg-config
   qt6-base-dev qt6-svg-dev libgl-dev
-  libsqlite3-dev libpoppler-qt6-dev libqpdf-dev
+  libsqlite3-dev libcurl4-openssl-dev libpoppler-qt6-dev libqpdf-dev
 )
 packages_run=(
   libqt6svg6 qt6-qpa-plugins qt6-wayland xdg-utils
@@ -11,7 +11,7 @@ packages_run=(
   fonts-liberation2 fonts-inter fonts-dejavu-core fonts-droid-fallback
 )
 packages_test=(
-  poppler-utils qpdf sqlite3 unzip
+  poppler-utils qpdf sqlite3 unzip openssl
 )
 packages_tidy=(git clang clang-format clang-tidy)
 packages_fuzz=(clang libclang-rt-14-dev)

@@ -1,0 +1,377 @@
+#include "QSNet.h"
+
+#include "QSHosts.h"
+
+#include <curl/curl.h>
+
+#include <algorithm>
+#include <array>
+#include <memory>
+#include <mutex>
+#include <utility>
+
+using namespace Qt::Literals::StringLiterals;
+using std::chrono::milliseconds;
+using std::chrono::steady_clock;
+
+namespace {
+using Header = QPair<QByteArray, QByteArray>;
+
+constexpr long redirectLimit = 10;
+/// The longest wait for curl before the clock is looked at again.
+constexpr milliseconds longestWait{1000};
+
+const QString stoppedReason = u"it was stopped"_s;
+const QString silentReason = u"the site did not answer in time"_s;
+const QString tooLargeReason = u"the file is larger than %1 MB"_s.arg(QSNet::bodyLimit >> 20);
+const QString brokenOffReason = u"the connection broke off before the end"_s;
+
+/// Reasons that people meet, in their words. Everything else is told in curl's.
+const std::array<std::pair<CURLcode, QString>, 14> reasons = {{
+    {CURLE_URL_MALFORMAT, u"its link is not a proper web address"_s},
+    {CURLE_UNSUPPORTED_PROTOCOL, u"its link is not a secure one (https)"_s},
+    {CURLE_COULDNT_RESOLVE_PROXY, u"the network's proxy could not be found"_s},
+    {CURLE_COULDNT_RESOLVE_HOST, u"the site could not be found"_s},
+    {CURLE_COULDNT_CONNECT, u"the site could not be reached"_s},
+    {CURLE_SSL_CONNECT_ERROR, u"no secure connection to the site could be made"_s},
+    {CURLE_PEER_FAILED_VERIFICATION, u"the site could not prove that it is the right one"_s},
+    {CURLE_GOT_NOTHING, u"the site hung up without an answer"_s},
+    {CURLE_PARTIAL_FILE, brokenOffReason},
+    {CURLE_RECV_ERROR, brokenOffReason},
+    {CURLE_SEND_ERROR, brokenOffReason},
+    {CURLE_OPERATION_TIMEDOUT, silentReason},
+    {CURLE_TOO_MANY_REDIRECTS, u"the site passes requests on without end"_s},
+    {CURLE_FILESIZE_EXCEEDED, tooLargeReason},
+}};
+
+QString reasonFor(CURLcode code, const char *details)
+{
+    const auto known = std::ranges::find(reasons, code, &std::pair<CURLcode, QString>::first);
+    if (known != reasons.end()) {
+        return known->second;
+    }
+    const char *text = *details != '\0' ? details : curl_easy_strerror(code);
+    return u"network problem: "_s + QString::fromUtf8(text);
+}
+
+#ifdef QS_TEST_ROUTE
+struct Route
+{
+    std::mutex mutex;
+    std::optional<QSNet::TestRoute> route;
+};
+
+Route &sharedRoute()
+{
+    static Route route;
+    return route;
+}
+#endif
+
+/// What all threads have in common: the names and TLS sessions that curl remembers. Lives until the
+/// last thread that used it is gone.
+class Shared final
+{
+public:
+    static std::shared_ptr<Shared> instance()
+    {
+        static const std::shared_ptr<Shared> shared = std::make_shared<Shared>();
+        return shared;
+    }
+
+    Shared()
+    {
+        curl_global_init(CURL_GLOBAL_DEFAULT);
+        m_handle = curl_share_init();
+        curl_share_setopt(m_handle, CURLSHOPT_USERDATA, this);
+        curl_share_setopt(m_handle, CURLSHOPT_LOCKFUNC, &Shared::lock);
+        curl_share_setopt(m_handle, CURLSHOPT_UNLOCKFUNC, &Shared::unlock);
+        curl_share_setopt(m_handle, CURLSHOPT_SHARE, CURL_LOCK_DATA_DNS);
+        curl_share_setopt(m_handle, CURLSHOPT_SHARE, CURL_LOCK_DATA_SSL_SESSION);
+    }
+    ~Shared()
+    {
+        curl_share_cleanup(m_handle);
+        curl_global_cleanup();
+    }
+    Shared(const Shared &) = delete;
+    Shared &operator=(const Shared &) = delete;
+
+    [[nodiscard]] CURLSH *handle() const { return m_handle; }
+
+private:
+    static void lock(CURL * /*easy*/, curl_lock_data data, curl_lock_access /*access*/, void *self)
+    {
+        static_cast<Shared *>(self)->m_mutexes.at(data).lock();
+    }
+    static void unlock(CURL * /*easy*/, curl_lock_data data, void *self)
+    {
+        static_cast<Shared *>(self)->m_mutexes.at(data).unlock();
+    }
+
+    CURLSH *m_handle = nullptr;
+    std::array<std::mutex, CURL_LOCK_DATA_LAST> m_mutexes;
+};
+
+/// One thread's open connections, kept for its next request.
+struct Connections
+{
+    std::shared_ptr<Shared> shared = Shared::instance();
+    std::unique_ptr<CURLM, decltype(&curl_multi_cleanup)> multi{curl_multi_init(),
+                                                                &curl_multi_cleanup};
+};
+
+class HeaderList final
+{
+public:
+    HeaderList() = default;
+    ~HeaderList() { curl_slist_free_all(m_list); }
+    HeaderList(const HeaderList &) = delete;
+    HeaderList &operator=(const HeaderList &) = delete;
+
+    void append(const QByteArray &line)
+    {
+        if (curl_slist *longer = curl_slist_append(m_list, line.constData())) {
+            m_list = longer;
+        }
+    }
+    [[nodiscard]] curl_slist *list() const { return m_list; }
+
+private:
+    curl_slist *m_list = nullptr;
+};
+
+/// One request on its way.
+class Transfer final
+{
+public:
+    Transfer(const QSNet::Request &request, const Shared &shared);
+    Transfer(const Transfer &) = delete;
+    Transfer &operator=(const Transfer &) = delete;
+
+    /// Why it failed; absent when the site's answer is there.
+    [[nodiscard]] std::optional<QString> run(CURLM *multi, const std::stop_token &stop);
+    [[nodiscard]] QSNet::Response response() const;
+    [[nodiscard]] QByteArray takeBody() { return std::move(m_body); }
+
+private:
+    void configure(CURLSH *share);
+    void setHeaders();
+    void followTestRoute();
+    [[nodiscard]] std::optional<QString> drive(CURLM *multi, const std::stop_token &stop);
+    [[nodiscard]] std::optional<QString> outcome(CURLM *multi) const;
+    /// Changes whenever something has come from the site.
+    [[nodiscard]] std::pair<curl_off_t, long> received() const;
+    [[nodiscard]] bool hasEnough() const;
+    /// curl's way to hand over a piece of the body; any other number than its size ends it all.
+    static size_t take(char *data, size_t one, size_t size, void *self) noexcept;
+
+    const QSNet::Request &m_request;
+    HeaderList m_headers;
+    HeaderList m_route;
+    std::array<char, CURL_ERROR_SIZE> m_details{};
+    QByteArray m_body;
+    bool m_cutOff = false; ///< by take(), for good or ill
+    std::unique_ptr<CURL, decltype(&curl_easy_cleanup)> m_easy{curl_easy_init(),
+                                                               &curl_easy_cleanup};
+};
+
+Transfer::Transfer(const QSNet::Request &request, const Shared &shared) : m_request(request)
+{
+    configure(shared.handle());
+    setHeaders();
+    followTestRoute();
+}
+
+void Transfer::configure(CURLSH *share)
+{
+    CURL *easy = m_easy.get();
+    curl_easy_setopt(easy, CURLOPT_SHARE, share);
+    curl_easy_setopt(easy, CURLOPT_ERRORBUFFER, m_details.data());
+    curl_easy_setopt(easy, CURLOPT_NOSIGNAL, 1L);
+    // A name server that is silent must not hold up a request that has ended.
+    curl_easy_setopt(easy, CURLOPT_QUICK_EXIT, 1L);
+    curl_easy_setopt(easy, CURLOPT_URL, m_request.url.toUtf8().constData());
+    curl_easy_setopt(easy, CURLOPT_PROTOCOLS_STR, "https");
+    curl_easy_setopt(easy, CURLOPT_REDIR_PROTOCOLS_STR, "https");
+    curl_easy_setopt(easy, CURLOPT_FOLLOWLOCATION, 1L);
+    curl_easy_setopt(easy, CURLOPT_MAXREDIRS, redirectLimit);
+    curl_easy_setopt(easy, CURLOPT_CONNECTTIMEOUT_MS,
+                     static_cast<long>(m_request.idleTimeout.count()));
+    curl_easy_setopt(easy, CURLOPT_WRITEFUNCTION, &Transfer::take);
+    curl_easy_setopt(easy, CURLOPT_WRITEDATA, this);
+    if (m_request.method == QSNet::Request::Method::head) {
+        curl_easy_setopt(easy, CURLOPT_NOBODY, 1L);
+    } else if (!m_request.enough) {
+        curl_easy_setopt(easy, CURLOPT_MAXFILESIZE_LARGE, curl_off_t{QSNet::bodyLimit});
+    }
+}
+
+void Transfer::setHeaders()
+{
+    const std::array<Header, 3> fixed = {{
+        {"User-Agent", QSNet::userAgent.toUtf8()},
+        {"Accept", "text/html,application/xhtml+xml,application/pdf;q=0.9,*/*;q=0.8"},
+        {"Accept-Language", "en-US,en;q=0.9"},
+    }};
+    for (const auto &[name, value] : fixed) {
+        m_headers.append(name + ": " + value);
+    }
+    for (const auto &[name, value] : m_request.headers) {
+        const bool isFixed = std::ranges::any_of(fixed, [&name = name](const Header &header) {
+            return header.first.compare(name, Qt::CaseInsensitive) == 0;
+        });
+        if (!isFixed) {
+            // A line end inside would begin a header of its own.
+            m_headers.append(name.simplified() + ": " + value.simplified());
+        }
+    }
+    curl_easy_setopt(m_easy.get(), CURLOPT_HTTPHEADER, m_headers.list());
+}
+
+void Transfer::followTestRoute()
+{
+#ifdef QS_TEST_ROUTE
+    const std::scoped_lock locker(sharedRoute().mutex);
+    const std::optional<QSNet::TestRoute> &route = sharedRoute().route;
+    if (!route) {
+        return;
+    }
+    const QByteArray here = ":127.0.0.1:";
+    for (auto host = route->portsByHost.cbegin(); host != route->portsByHost.cend(); ++host) {
+        m_route.append(host.key().toUtf8() + ':' + here + QByteArray::number(host.value()));
+    }
+    m_route.append(':' + here + QByteArray::number(route->port));
+    curl_easy_setopt(m_easy.get(), CURLOPT_CONNECT_TO, m_route.list());
+    curl_easy_setopt(m_easy.get(), CURLOPT_CAINFO, route->authorityFile.toUtf8().constData());
+    curl_easy_setopt(m_easy.get(), CURLOPT_PROXY, "");
+#endif
+}
+
+std::optional<QString> Transfer::run(CURLM *multi, const std::stop_token &stop)
+{
+    if (const CURLMcode code = curl_multi_add_handle(multi, m_easy.get()); code != CURLM_OK) {
+        return QString::fromUtf8(curl_multi_strerror(code));
+    }
+    std::optional<QString> error = drive(multi, stop);
+    curl_multi_remove_handle(multi, m_easy.get());
+    return error;
+}
+
+std::optional<QString> Transfer::drive(CURLM *multi, const std::stop_token &stop)
+{
+    const std::stop_callback wake(stop, [multi] { curl_multi_wakeup(multi); });
+    auto lastHeard = steady_clock::now();
+    auto before = received();
+    while (!stop.stop_requested()) {
+        int running = 0;
+        const CURLMcode code = curl_multi_perform(multi, &running);
+        if (code != CURLM_OK) {
+            return QString::fromUtf8(curl_multi_strerror(code));
+        }
+        if (running == 0) {
+            return outcome(multi);
+        }
+        const auto now = steady_clock::now();
+        if (const auto after = received(); after != before) {
+            before = after;
+            lastHeard = now;
+        }
+        const auto left = std::chrono::ceil<milliseconds>(lastHeard + m_request.idleTimeout - now);
+        if (left.count() <= 0) {
+            return silentReason;
+        }
+        curl_multi_poll(multi, nullptr, 0, static_cast<int>(std::min(left, longestWait).count()),
+                        nullptr);
+    }
+    return stoppedReason;
+}
+
+std::optional<QString> Transfer::outcome(CURLM *multi) const
+{
+    int others = 0;
+    const CURLMsg *message = curl_multi_info_read(multi, &others);
+    const CURLcode code = message != nullptr ? message->data.result : CURLE_FAILED_INIT;
+    if (code == CURLE_OK || (m_cutOff && hasEnough())) {
+        return std::nullopt;
+    }
+    return m_cutOff ? tooLargeReason : reasonFor(code, m_details.data());
+}
+
+std::pair<curl_off_t, long> Transfer::received() const
+{
+    curl_off_t body = 0;
+    long headers = 0;
+    curl_easy_getinfo(m_easy.get(), CURLINFO_SIZE_DOWNLOAD_T, &body);
+    curl_easy_getinfo(m_easy.get(), CURLINFO_HEADER_SIZE, &headers);
+    return {body, headers};
+}
+
+bool Transfer::hasEnough() const
+{
+    return m_request.enough && m_body.size() >= *m_request.enough;
+}
+
+size_t Transfer::take(char *data, size_t /*one*/, size_t size, void *self) noexcept
+{
+    auto *transfer = static_cast<Transfer *>(self);
+    const qint64 wanted = transfer->m_request.enough.value_or(QSNet::bodyLimit);
+    const qint64 room = std::min(wanted, QSNet::bodyLimit) - transfer->m_body.size();
+    const qint64 came = static_cast<qint64>(size);
+    transfer->m_body.append(data, std::min(room, came));
+    curl_off_t announced = -1;
+    curl_easy_getinfo(transfer->m_easy.get(), CURLINFO_CONTENT_LENGTH_DOWNLOAD_T, &announced);
+    // A body that ends just here is left to end, because that keeps the connection.
+    const bool goesOn = announced != transfer->m_body.size();
+    transfer->m_cutOff = came > room || (transfer->hasEnough() && goesOn);
+    return transfer->m_cutOff ? 0 : size;
+}
+
+QSNet::Response Transfer::response() const
+{
+    long status = 0;
+    const char *url = nullptr;
+    curl_easy_getinfo(m_easy.get(), CURLINFO_RESPONSE_CODE, &status);
+    curl_easy_getinfo(m_easy.get(), CURLINFO_EFFECTIVE_URL, &url);
+    QSNet::Response response{
+        .status = static_cast<int>(status), .finalURL = QString::fromUtf8(url), .headers = {}};
+
+    constexpr int lastAnswer = -1;
+    curl_header *header = nullptr;
+    while ((header = curl_easy_nextheader(m_easy.get(), CURLH_HEADER, lastAnswer, header)) !=
+           nullptr) {
+        QByteArray &value = response.headers[QByteArray(header->name).toLower()];
+        value += (value.isEmpty() ? "" : ", ") + QByteArray(header->value);
+    }
+    return response;
+}
+} // namespace
+
+std::optional<QString> QSNet::Response::header(const QByteArray &name) const
+{
+    const auto found = headers.constFind(name.toLower());
+    return found == headers.cend() ? std::nullopt : std::optional(QString::fromUtf8(*found));
+}
+
+QSNet::Answer QSNet::fetch(const Request &request, const std::stop_token &stop)
+{
+    thread_local const Connections connections;
+    Transfer transfer(request, *connections.shared);
+    if (std::optional<QString> error = transfer.run(connections.multi.get(), stop)) {
+        return {.body = {}, .response = {}, .error = std::move(error)};
+    }
+    return {.body = transfer.takeBody(), .response = transfer.response(), .error = {}};
+}
+
+bool QSNet::isHandChecked(const QString &url)
+{
+    return QSHosts::isHandChecked(url);
+}
+
+#ifdef QS_TEST_ROUTE
+void QSNet::setTestRoute(const std::optional<TestRoute> &route)
+{
+    const std::scoped_lock locker(sharedRoute().mutex);
+    sharedRoute().route = route;
+}
+#endif
