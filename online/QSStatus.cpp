@@ -1,0 +1,67 @@
+#include "QSStatus.h"
+
+#include "QSDate.h"
+#include "QSDirectory.h"
+#include "QSInfo.h"
+#include "QSNet.h"
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+/// The day of the last review by hand. A date without a time of day, so its age counts by the
+/// calendar: no change of the clocks makes a listing stale an hour early.
+struct Listing
+{
+    explicit Listing(const QSEntry &entry, const QDateTime &now)
+    {
+        const QString written = entry.checked.value_or(QSDirectory::shared().checked);
+        const std::optional<QDate> date = QSDate::parseISO(written);
+        text = QSDate::longText(written);
+        isStale = !date || date->daysTo(now.toLocalTime().date()) > QSInfo::staleAfterDays;
+    }
+
+    QString text;
+    bool isStale;
+};
+} // namespace
+
+QSStatus::S QSStatus::link(const QSEntry &entry, const std::optional<QSLinkCheck> &lastCheck,
+                           const QDateTime &now)
+{
+    const QString staleSymbol = u"clock.badge.exclamationmark.fill"_s;
+    const QString limit = QString::number(QSInfo::staleAfterDays);
+    const Listing listing(entry, now);
+    if (QSNet::isHandChecked(entry.url)) {
+        if (!listing.isStale) {
+            return {0,
+                    u"Checked by hand %1 (California courts don't allow automated checks)"_s.arg(
+                        listing.text),
+                    u"hand.raised.fill"_s};
+        }
+        return {1,
+                u"Checked by hand %1 — more than %2 days ago. California courts don't allow "
+                "automated checks; opening the form checks it."_s.arg(listing.text, limit),
+                staleSymbol};
+    }
+    if (lastCheck) {
+        const QString day = QSDate::longFormat(lastCheck->checked.toLocalTime().date());
+        if (!lastCheck->ok) {
+            const QString answer =
+                lastCheck->status == 0 ? u"none"_s : QString::number(lastCheck->status);
+            return {2,
+                    u"Link problem at last check (%1, answer %2). It may have moved."_s.arg(day,
+                                                                                            answer),
+                    u"exclamationmark.triangle.fill"_s};
+        }
+        if (QSDate::days(lastCheck->checked, now) <= QSInfo::staleAfterDays) {
+            return {0, u"Link checked online %1"_s.arg(day), u"checkmark.seal.fill"_s};
+        }
+    }
+    if (!listing.isStale) {
+        return {0, u"Checked %1"_s.arg(listing.text), u"checkmark.seal.fill"_s};
+    }
+    return {1,
+            u"Last checked %1 — more than %2 days ago. Check the links on the Forms Last Checked "
+            "screen."_s.arg(listing.text, limit),
+            staleSymbol};
+}
