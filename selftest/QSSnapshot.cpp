@@ -5,6 +5,7 @@
 #include "MainWindow.h"
 #include "QSDesktop.h"
 #include "QSError.h"
+#include "QSFile.h"
 #include "QSInfo.h"
 #include "QSPrefs.h"
 #include "QSSetup.h"
@@ -12,7 +13,6 @@
 
 #include <QApplication>
 #include <QDir>
-#include <QSaveFile>
 #include <QTemporaryDir>
 
 #include <cstdio>
@@ -28,6 +28,9 @@ public:
     int ask(const Question &question) override { return question.cancel; }
     bool openInBrowser(const QUrl &) override { return false; }
     void print(const QSRendered &) override {}
+    void printPDF(const QSPDFDocument &, const QString &) override {}
+    bool showInFolder(const QString &) override { return false; }
+    bool openFile(const QString &) override { return false; }
 };
 
 const QMap<QString, QString> sampleProfile = {{u"fullName"_s, u"Rosa Mar\u00EDa Delgado"_s},
@@ -72,9 +75,13 @@ public:
     void add(const QByteArray &bytes, const QString &name)
     {
         const QString path = m_folder.filePath(name);
-        QSaveFile file(path);
-        tell(path,
-             file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.commit());
+        bool written = true;
+        try {
+            QSFile::write(path, bytes);
+        } catch (const QSError &) {
+            written = false;
+        }
+        tell(path, written);
     }
 
     void tell(const QString &path, bool written)

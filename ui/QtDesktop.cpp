@@ -2,7 +2,10 @@
 
 #include "QSExport.h"
 #include "QSInfo.h"
+#include "QSPDFDocument.h"
+#include "formwindow/FormPrint.h"
 
+#include <QApplication>
 #include <QDesktopServices>
 #include <QFileDialog>
 #include <QFileInfo>
@@ -10,6 +13,7 @@
 #include <QPageLayout>
 #include <QPrintDialog>
 #include <QPrinter>
+#include <QProgressDialog>
 #include <QPushButton>
 #include <QStandardPaths>
 
@@ -39,12 +43,18 @@ QString withExtension(const QString &path, const QString &extension)
 }
 } // namespace
 
+QWidget *QtDesktop::window() const
+{
+    QWidget *active = QApplication::activeWindow();
+    return active ? active : m_window;
+}
+
 std::optional<QString> QtDesktop::chooseSavePath(const QString &suggestedName)
 {
     const QString folder = m_lastFolder.isEmpty()
                                ? QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation)
                                : m_lastFolder;
-    QFileDialog panel(m_window, u"Save As"_s, folder, filterFor(suggestedName));
+    QFileDialog panel(window(), u"Save As"_s, folder, filterFor(suggestedName));
     panel.setAcceptMode(QFileDialog::AcceptSave);
     panel.setFileMode(QFileDialog::AnyFile);
     // The panel would ask about the name as typed, and an extension may still be missing there.
@@ -73,7 +83,7 @@ bool QtDesktop::mayWrite(const QString &path)
 
 int QtDesktop::ask(const Question &question)
 {
-    QMessageBox box(m_window);
+    QMessageBox box(window());
     box.setWindowTitle(QSInfo::appName);
     box.setIcon(QMessageBox::Question);
     box.setTextFormat(Qt::PlainText);
@@ -102,9 +112,41 @@ void QtDesktop::print(const QSRendered &rendered)
     printer.setFullPage(true);
     printer.setDocName(rendered.title);
     printer.setCreator(QSInfo::appName);
-    QPrintDialog dialog(&printer, m_window);
+    QPrintDialog dialog(&printer, window());
     dialog.setWindowTitle(u"Print \"%1\""_s.arg(rendered.title));
     if (dialog.exec() == QDialog::Accepted) {
         QSExport::print(rendered, printer);
     }
+}
+
+void QtDesktop::printPDF(const QSPDFDocument &document, const QString &title)
+{
+    QPrinter printer(QPrinter::HighResolution);
+    printer.setPageSize(
+        QPageSize(document.pageSize(0), QPageSize::Point, {}, QPageSize::FuzzyOrientationMatch));
+    printer.setDocName(title);
+    printer.setCreator(QSInfo::appName);
+    QPrintDialog dialog(&printer, window());
+    dialog.setWindowTitle(u"Print \"%1\""_s.arg(title));
+    dialog.setMinMax(1, document.pageCount());
+    if (dialog.exec() != QDialog::Accepted) {
+        return;
+    }
+    QProgressDialog wait(u"Printing \"%1\"\u2026"_s.arg(title), u"Cancel"_s, 0, 1, window());
+    wait.setWindowModality(Qt::ApplicationModal);
+    FormPrint::print(document, printer, [&wait](int done, int all) {
+        wait.setMaximum(all);
+        wait.setValue(done);
+        return !wait.wasCanceled();
+    });
+}
+
+bool QtDesktop::showInFolder(const QString &path)
+{
+    return QDesktopServices::openUrl(QUrl::fromLocalFile(QFileInfo(path).path()));
+}
+
+bool QtDesktop::openFile(const QString &path)
+{
+    return QDesktopServices::openUrl(QUrl::fromLocalFile(path));
 }

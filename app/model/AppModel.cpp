@@ -1,26 +1,25 @@
 #include "AppModel.h"
 
-#include "AsyncTask.h"
 #include "QSDesktop.h"
 #include "QSDirectory.h"
+#include "QSFile.h"
 #include "QSPrefs.h"
 #include "QSProfile.h"
 #include "QSStates.h"
 #include "QSTemplates.h"
 
 #include <QFileInfo>
-#include <QSaveFile>
 #include <QScopedValueRollback>
 #include <QTimer>
 
 #include <algorithm>
 #include <chrono>
+#include <vector>
 
 using namespace Qt::Literals::StringLiterals;
 
 namespace {
 const QString cannotExport = u"This document could not be exported."_s;
-const QString noStore = u"No documents database is open, so nothing can be saved."_s;
 } // namespace
 
 AppModel::AppModel(QSDesktop &desktop, QObject *parent)
@@ -31,8 +30,18 @@ AppModel::AppModel(QSDesktop &desktop, QObject *parent)
       m_showDisclaimer(!QSPrefs::disclaimerAccepted())
 {
     if (QSStore *open = store()) {
-        connect(open, &QSStore::revisionChanged, this, &AppModel::revisionChanged);
+        connect(open, &QSStore::revisionChanged, this, [this] {
+            m_linkChecks.reset();
+            Q_EMIT revisionChanged();
+        });
     }
+}
+
+AppModel::~AppModel()
+{
+    m_fetch.request_stop();
+    m_check.request_stop();
+    m_closing.request_stop();
 }
 
 bool AppModel::show(Screen screen)
@@ -95,22 +104,6 @@ void AppModel::acceptDisclaimer()
 {
     QSPrefs::setDisclaimerAccepted(true);
     setShowDisclaimer(false);
-}
-
-template <typename Action>
-bool AppModel::withStore(Action action)
-{
-    if (!store()) {
-        setMessage(noStore);
-        return false;
-    }
-    try {
-        action(*store());
-        return true;
-    } catch (const QSError &error) {
-        setMessage(error.description());
-        return false;
-    }
 }
 
 // The document in the editor
@@ -261,15 +254,19 @@ std::optional<QList<QSDocument>> AppModel::documents()
     return found;
 }
 
-void AppModel::deleteDocument(const QSDocument &document)
+bool AppModel::askToDelete(const QString &name)
 {
     static constexpr int deleteButton = 1;
     const QScopedValueRollback asking(m_asking, true);
-    const int button = m_desktop.ask({u"Delete \"%1\""_s.arg(document.title),
-                                      u"This can't be undone."_s,
-                                      {u"Cancel"_s, u"Delete"_s},
-                                      0});
-    if (button == deleteButton && document.id) {
+    return m_desktop.ask({u"Delete \"%1\""_s.arg(name),
+                          u"This can't be undone."_s,
+                          {u"Cancel"_s, u"Delete"_s},
+                          0}) == deleteButton;
+}
+
+void AppModel::deleteDocument(const QSDocument &document)
+{
+    if (askToDelete(document.title) && document.id) {
         withStore([&document](QSStore &open) { open.deleteDocument(*document.id); });
     }
 }
@@ -305,13 +302,12 @@ void AppModel::exportDocument(const QSDocument &document, QSExport::Format forma
     }
     const QSExport::FormatInfo &info = QSExport::info(format);
     const QString name = QSExport::safeFileName(document.title) + u'.' + info.extension.toString();
-    setBusy(u"Making \"%1\"\u2026"_s.arg(name));
-    AsyncTask::run<QByteArray>(
-        this, [rendered = *rendered, format] { return QSExport::data(rendered, format); },
+    runBusy<QByteArray>(
+        u"Making \"%1\"\u2026"_s.arg(name),
+        [rendered = *rendered, format] { return QSExport::data(rendered, format); },
         [this, name](const AsyncTask::Outcome<QByteArray> &made) {
-            setBusy(std::nullopt);
             if (made.result) {
-                saveWhenNothingIsAsked(*made.result, name);
+                whenNothingIsAsked([=, this] { saveFile(*made.result, name); });
             } else {
                 qWarning("%s", made.error->what());
                 setMessage(cannotExport);
@@ -319,13 +315,13 @@ void AppModel::exportDocument(const QSDocument &document, QSExport::Format forma
         });
 }
 
-void AppModel::saveWhenNothingIsAsked(const QByteArray &data, const QString &suggestedName)
+void AppModel::whenNothingIsAsked(const std::function<void()> &action)
 {
     static constexpr std::chrono::milliseconds pause{200};
     if (m_asking) { // no panel over a question
-        QTimer::singleShot(pause, this, [=, this] { saveWhenNothingIsAsked(data, suggestedName); });
+        QTimer::singleShot(pause, this, [=, this] { whenNothingIsAsked(action); });
     } else {
-        saveFile(data, suggestedName);
+        action();
     }
 }
 
@@ -335,13 +331,13 @@ void AppModel::saveFile(const QByteArray &data, const QString &suggestedName)
     if (!path) {
         return;
     }
-    QSaveFile file(*path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(data) != data.size() || !file.commit()) {
-        qWarning("%s: %s", qUtf8Printable(*path), qUtf8Printable(file.errorString()));
+    try {
+        QSFile::write(*path, data);
+        setMessage(u"Saved "_s + QFileInfo(*path).fileName());
+    } catch (const QSError &error) {
+        qWarning("%s: %s", qUtf8Printable(*path), error.what());
         setMessage(cannotExport);
-        return;
     }
-    setMessage(u"Saved "_s + QFileInfo(*path).fileName());
 }
 
 void AppModel::print(const QSDocument &document)
@@ -427,18 +423,8 @@ void AppModel::openHit(const QSSearchHit &hit)
         }
         break;
     case QSSearchHit::Kind::form:
-        if (const QSEntry *entry = QSDirectory::shared().entry(hit.ref)) {
-            openOfficialPage(*entry);
-        }
+        showEntry(hit.ref);
         break;
-    }
-}
-
-void AppModel::openOfficialPage(const QSEntry &entry)
-{
-    const QString page = entry.info.isEmpty() ? entry.url : entry.info;
-    if (!m_desktop.openInBrowser(QUrl(page))) {
-        setMessage(u"The web browser could not be opened. The page is %1"_s.arg(page));
     }
 }
 
@@ -446,22 +432,30 @@ bool AppModel::closeEverything()
 {
     Q_EMIT editsWanted();
     // Every question comes before anything is dropped, so that a late "Cancel" cancels it all.
-    Answer document = Answer::dontSave;
-    Answer details = Answer::dontSave;
-    if (m_editing && m_editing->hasUnsavedChanges()) {
-        document = askToSave(m_editing->document().title);
-    }
-    if (document != Answer::cancel && hasUnsavedProfile()) {
-        details = askToSave(Screens::info(Screen::profile).title.toString());
-    }
-    if (document == Answer::cancel || details == Answer::cancel ||
-        (document == Answer::save && !saveEdited()) ||
-        (details == Answer::save && !saveProfile())) {
+    std::vector<std::function<bool()>> saves;
+    const auto settled = [&](bool unsaved, const QString &name, const std::function<bool()> &save) {
+        const Answer answer = unsaved ? askToSave(name) : Answer::dontSave;
+        if (answer == Answer::save) {
+            saves.push_back(save);
+        }
+        return answer != Answer::cancel;
+    };
+    if (!settled(m_openPDF && m_openPDF->hasUnsavedChanges(),
+                 m_openPDF ? m_openPDF->form().title : QString(), [this] { return saveForm(); }) ||
+        !settled(m_editing && m_editing->hasUnsavedChanges(),
+                 m_editing ? m_editing->document().title : QString(),
+                 [this] { return saveEdited(); }) ||
+        !settled(hasUnsavedProfile(), Screens::info(Screen::profile).title.toString(),
+                 [this] { return saveProfile(); }) ||
+        !std::ranges::all_of(saves, [](const auto &save) { return save(); })) {
         return false;
     }
     m_profileEdits.reset();
     if (m_editing) {
         dropEdited();
+    }
+    if (m_openPDF) {
+        dropForm();
     }
     return true;
 }

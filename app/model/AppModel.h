@@ -1,7 +1,12 @@
 #pragma once
 
+#include "AsyncTask.h"
 #include "DocumentSession.h"
+#include "FormSession.h"
+#include "QSCache.h"
 #include "QSExport.h"
+#include "QSLinkChecker.h"
+#include "QSStatus.h"
 #include "Screen.h"
 
 #include <QMap>
@@ -9,6 +14,7 @@
 #include <QString>
 
 #include <optional>
+#include <stop_token>
 
 class QSDesktop;
 struct QSEntry;
@@ -24,8 +30,19 @@ class AppModel final : public QObject
     Q_OBJECT
 
 public:
+    /// How far a check of all links has got.
+    struct Checking
+    {
+        int done = 0;
+        int total = 0;
+    };
+    /// The two ways a filled form is handed over as a file.
+    enum class FormExport { flattened, editable };
+
     /// The desktop has to live as long as the model.
     explicit AppModel(QSDesktop &desktop, QObject *parent = nullptr);
+    /// Stops what runs on the network; nobody hears of it any more.
+    ~AppModel() override;
 
     /// The program's store; null when no database could be opened.
     [[nodiscard]] static QSStore *store() { return QSStore::shared(); }
@@ -91,12 +108,61 @@ public:
     bool saveProfile();
     [[nodiscard]] bool hasUnsavedProfile() const { return m_profileEdits.has_value(); }
 
-    // Search
-    [[nodiscard]] QList<QSSearchHit> hits();
-    void openHit(const QSSearchHit &hit);
+    // Official forms
+    /// The category that the forms screen shows alone; absent for all.
+    [[nodiscard]] std::optional<QSCategory> formCategory() const { return m_formCategory; }
+    void setFormCategory(std::optional<QSCategory> category);
+    [[nodiscard]] const std::optional<QString> &selectedEntryID() const
+    {
+        return m_selectedEntryID;
+    }
+    void selectEntry(const QString &id);
+    /// Opens a form: in the browser where it is no file, else its copy, fetched if need be, in the
+    /// form window (a Word document in the desktop's own program). Of two forms opened one after
+    /// the other, the later one is shown.
+    void open(const QSEntry &entry);
+    /// Asks the form's site whether there is a newer version.
+    void recheck(const QSEntry &entry);
+    /// Shows the saved copy of an entry in the file manager.
+    void showSavedCopy(const QSEntry &entry);
     /// The official page about a form, or the form itself where the directory has no page, in the
     /// browser.
     void openOfficialPage(const QSEntry &entry);
+    [[nodiscard]] QSStatus::S linkStatus(const QSEntry &entry);
+    /// Asks every official link that may be asked automatically. Does nothing while a check runs.
+    void checkAllLinks();
+    /// Ends a running check; what was answered by then counts.
+    void stopChecking();
+    /// Absent while no check runs.
+    [[nodiscard]] const std::optional<Checking> &checking() const { return m_checking; }
+
+    // The form in the form window
+    /// Absent while the form window is closed.
+    [[nodiscard]] const std::optional<FormSession> &openPDF() const { return m_openPDF; }
+    void openPractice();
+    /// Opens a filled copy again. When it can't be read, the form window stays as it is.
+    void openSaved(const QSFilledPDF &record);
+    /// Sets a field's value; formValuesChanged() tells which fields look different now.
+    void setFormValue(int id, const FormValue &value);
+    /// Keeps a filled copy in My Documents; false with a message when that fails.
+    bool saveForm();
+    void exportForm(FormExport how);
+    void printForm();
+    /// Closes the form window; with unsaved changes it asks. False when the user stays.
+    bool closeForm();
+
+    // Filled PDFs
+    /// Absent, with a message, when they can't be read.
+    [[nodiscard]] std::optional<QList<QSFilledPDF>> filledPDFs();
+    /// Deletes after asking.
+    void deleteFilledPDF(const QSFilledPDF &record);
+    void exportFilledPDF(const QSFilledPDF &record, FormExport how);
+    void printFilledPDF(const QSFilledPDF &record);
+
+    // Search
+    [[nodiscard]] QList<QSSearchHit> hits();
+    /// Goes to what was found.
+    void openHit(const QSSearchHit &hit);
 
     /// Asks about everything unsaved, then closes it; false when the user wants to stay, and then
     /// all is as it was.
@@ -111,9 +177,18 @@ Q_SIGNALS:
     void showDisclaimerChanged();
     /// Another document is open in the editor, or none.
     void editingChanged();
-    /// The open document is about to be read: whoever holds letters that an input method has not
-    /// handed over yet sets them now.
+    /// The open document or form is about to be read: whoever holds letters that an input method
+    /// has not handed over yet sets them now.
     void editsWanted();
+    /// Another PDF is in the form window, or none.
+    void openPDFChanged();
+    /// The form that is open already was asked for again: its window comes to the front.
+    void openPDFWanted();
+    /// These fields of the open form may look different.
+    void formValuesChanged(const QList<int> &ids);
+    /// The open form was saved, or its status changed.
+    void formChanged();
+    void checkingChanged();
     /// The open document's title or answers changed otherwise than by setEditedTitle() and
     /// setEditedValue(), or it was saved.
     void editedDocumentChanged();
@@ -126,13 +201,36 @@ private:
     enum class Answer { save, dontSave, cancel };
 
     Answer askToSave(const QString &name);
+    [[nodiscard]] bool askToDelete(const QString &name);
+    void browse(const QString &page);
     /// Runs an action on the store; its error becomes the message. False when it failed.
     template <typename Action>
     bool withStore(Action action);
     void setBusy(const std::optional<QString> &text);
+    /// Runs work in the background with a text for the user meanwhile; the text goes when the work
+    /// is done, unless another work's text has taken its place.
+    template <typename Result>
+    void runBusy(const QString &text, std::function<Result()> work,
+                 std::function<void(const AsyncTask::Outcome<Result> &)> done);
+    /// Puts an action off until no question stands open.
+    void whenNothingIsAsked(const std::function<void()> &action);
     void dropEdited();
+    /// Shows an entry on the forms screen.
+    void showEntry(const QString &id);
+    void openSession(const OpenPDF &form);
+    void dropForm();
+    void openCopy(const QSEntry &entry, const QSCache::Result &copy,
+                  const std::shared_ptr<QSPDFDocument> &document, const QString &problem);
+    void linksChecked(const QList<QSLinkChecker::Check> &checks);
+    /// Makes the file in the background, then asks where to put it.
+    void exportPDF(const std::shared_ptr<QSPDFDocument> &document, const QString &title,
+                   FormExport how);
+    /// Opens a filled copy's file in the background; the message when that fails.
+    void loadFilledPDF(const QSFilledPDF &record,
+                       const std::function<void(const std::shared_ptr<QSPDFDocument> &)> &loaded);
+    void printPDF(const QSPDFDocument &document, const QString &title);
+    void copiesChanged();
     [[nodiscard]] std::optional<QMap<QString, QString>> savedProfile();
-    void saveWhenNothingIsAsked(const QByteArray &data, const QString &suggestedName);
     /// Asks where to put a file and writes it whole or not at all.
     void saveFile(const QByteArray &data, const QString &suggestedName);
     /// The rendered document, or the message that there is none.
@@ -149,5 +247,45 @@ private:
     bool m_showDisclaimer;
     bool m_asking = false; ///< a question of ours stands open
     std::optional<DocumentSession> m_editing;
+    std::optional<FormSession> m_openPDF;
+    std::optional<QSCategory> m_formCategory;
+    std::optional<QString> m_selectedEntryID;
+    std::optional<Checking> m_checking;
+    std::optional<QMap<QString, QSLinkCheck>> m_linkChecks; ///< by URL; absent when out of date
+    int m_busyWork = 0;         ///< number of the work whose text is shown
+    std::stop_source m_fetch;   ///< ends the download that runs
+    std::stop_source m_check;   ///< ends the check of links that runs
+    std::stop_source m_closing; ///< ends whatever else runs on the network
     std::optional<QMap<QString, QString>> m_profileEdits;
 };
+
+template <typename Result>
+void AppModel::runBusy(const QString &text, std::function<Result()> work,
+                       std::function<void(const AsyncTask::Outcome<Result> &)> done)
+{
+    const int number = ++m_busyWork;
+    setBusy(text);
+    AsyncTask::run<Result>(this, std::move(work),
+                           [this, number, done = std::move(done)](const auto &outcome) {
+                               if (number == m_busyWork) {
+                                   setBusy(std::nullopt);
+                               }
+                               done(outcome);
+                           });
+}
+
+template <typename Action>
+bool AppModel::withStore(Action action)
+{
+    if (!store()) {
+        setMessage(QStringLiteral("No documents database is open, so nothing can be saved."));
+        return false;
+    }
+    try {
+        action(*store());
+        return true;
+    } catch (const QSError &error) {
+        setMessage(error.description());
+        return false;
+    }
+}

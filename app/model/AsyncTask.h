@@ -21,15 +21,25 @@ struct Outcome
     std::optional<QSError> error;
 };
 
+/// Called by the work as it gets on: so many parts done, of so many.
+using Progress = std::function<void(int, int)>;
+
 /// Runs the work on the global thread pool, then done on the context's thread. The work may throw
 /// QSError, which becomes the outcome; it must not touch the context. When the context is gone by
-/// then, the result is dropped with it.
+/// then, the result is dropped with it. What the work tells its Progress comes to progress() on the
+/// context's thread, some of the steps left out when they come faster than eyes can read.
 template <typename Result>
-void run(QObject *context, std::function<Result()> work,
-         std::function<void(const Outcome<Result> &)> done)
+void run(QObject *context, std::function<Result(const Progress &)> work,
+         std::function<void(const Outcome<Result> &)> done, Progress progress)
 {
     auto promise = std::make_shared<QPromise<Outcome<Result>>>();
     auto *watcher = new QFutureWatcher<Outcome<Result>>(context);
+    if (progress) {
+        QObject::connect(watcher, &QFutureWatcherBase::progressValueChanged, context,
+                         [watcher, progress = std::move(progress)](int part) {
+                             progress(part, watcher->progressMaximum());
+                         });
+    }
     QObject::connect(watcher, &QFutureWatcherBase::finished, context,
                      [watcher, done = std::move(done)] {
                          watcher->deleteLater();
@@ -40,7 +50,10 @@ void run(QObject *context, std::function<Result()> work,
         promise->start();
         Outcome<Result> outcome;
         try {
-            outcome.result = work();
+            outcome.result = work([&promise](int part, int of) {
+                promise->setProgressRange(0, of);
+                promise->setProgressValue(part);
+            });
         } catch (const QSError &error) {
             outcome.error = error;
         } catch (const std::exception &error) {
@@ -49,5 +62,14 @@ void run(QObject *context, std::function<Result()> work,
         promise->addResult(std::move(outcome));
         promise->finish();
     });
+}
+
+/// The same for work that does not tell how it gets on.
+template <typename Result>
+void run(QObject *context, std::function<Result()> work,
+         std::function<void(const Outcome<Result> &)> done)
+{
+    run<Result>(context, [work = std::move(work)](const Progress &) { return work(); },
+                std::move(done), {});
 }
 } // namespace AsyncTask

@@ -6,6 +6,7 @@
 
 #include <optional>
 
+class QSPDFDocument;
 struct QSRendered;
 
 /// What the model needs of a person or a desktop: panels, questions, the browser, a printer. The
@@ -38,4 +39,10 @@ public:
     [[nodiscard]] virtual bool openInBrowser(const QUrl &url) = 0;
     /// Shows the print panel and prints unless it is cancelled. Throws QSError when printing fails.
     virtual void print(const QSRendered &rendered) = 0;
+    /// The same for a PDF, its fields printed as they are shown.
+    virtual void printPDF(const QSPDFDocument &document, const QString &title) = 0;
+    /// Shows a file in the file manager; false when there is none.
+    [[nodiscard]] virtual bool showInFolder(const QString &path) = 0;
+    /// Opens a file with the program that the desktop has for it; false when there is none.
+    [[nodiscard]] virtual bool openFile(const QString &path) = 0;
 };

@@ -2,7 +2,6 @@
 #include "AsyncTask.h"
 #include "FakeDesktop.h"
 #include "OfficeConverter.h"
-#include "QSDirectory.h"
 #include "QSTemplates.h"
 #include "ScratchUser.h"
 #include "SmallDisk.h"
@@ -334,13 +333,6 @@ private Q_SLOTS:
         QCOMPARE(m_model->screen(), Screen::templates);
         QCOMPARE(m_model->selectedTemplateID(), u"affidavit"_s);
         QVERIFY(!m_model->editing());
-
-        const QSEntry &form = QSDirectory::shared().entries.first();
-        m_model->openHit({QSSearchHit::Kind::form, form.id, {}, {}});
-        QCOMPARE(m_desktop->browsed.first().scheme(), u"https"_s);
-        m_desktop->hasBrowser = false;
-        m_model->openOfficialPage(form);
-        QVERIFY(m_model->message()->contains(m_desktop->browsed.last().toString()));
 
         QSStore::shared()->deleteDocument(document.id.value());
         m_model->openHit(hit);

@@ -18,12 +18,16 @@ public:
     QList<int> answers;                      ///< buttons to press, first to last
 
     bool hasBrowser = true;
+    bool hasPrograms = true;           ///< a file manager, and a program for every file
     std::function<void()> whileAsking; ///< what happens while the next question stands
 
     QStringList suggestedNames;
     QList<Question> questions;
     QList<QUrl> browsed;
     QList<QSRendered> printed;
+    QStringList printedPDFs; ///< their titles
+    QStringList shownInFolder;
+    QStringList openedFiles;
     QStringList unexpected;
 
     [[nodiscard]] bool settled() const
@@ -60,4 +64,18 @@ public:
         return hasBrowser;
     }
     void print(const QSRendered &rendered) override { printed.append(rendered); }
+    void printPDF(const QSPDFDocument &, const QString &title) override
+    {
+        printedPDFs.append(title);
+    }
+    bool showInFolder(const QString &path) override
+    {
+        shownInFolder.append(path);
+        return hasPrograms;
+    }
+    bool openFile(const QString &path) override
+    {
+        openedFiles.append(path);
+        return hasPrograms;
+    }
 };

@@ -1,0 +1,458 @@
+#include "AppModel.h"
+
+#include "QSDate.h"
+#include "QSDesktop.h"
+#include "QSDirectory.h"
+#include "QSFile.h"
+#include "QSInfo.h"
+#include "QSPDF.h"
+
+#include <QScopedValueRollback>
+
+#include <algorithm>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+const QString cannotOpenSaved = u"This saved PDF could not be opened."_s;
+
+/// True for what the program has no copy of: it opens in the browser alone.
+bool opensInBrowser(const QSEntry &entry)
+{
+    return !QSKinds::info(entry.kind).downloads || entry.browserOnly;
+}
+
+/// An official form that was fetched, as it came off the network.
+struct Fetched
+{
+    QSCache::Result copy;
+    std::shared_ptr<QSPDFDocument> document; ///< null for a Word document and with a problem
+    QString problem;
+};
+
+Fetched fetchForm(const QSEntry &entry, const std::stop_token &stop)
+{
+    Fetched form;
+    form.copy = QSCache::obtain(entry, false, QDateTime::currentDateTimeUtc(), stop);
+    if (entry.kind == QSKind::pdf) {
+        try {
+            form.document = QSPDFDocument::open(QSFile::read(form.copy.file));
+        } catch (const QSError &error) {
+            form.problem = error.description();
+        }
+    }
+    return form;
+}
+
+QString filledPath(const QSFilledPDF &record)
+{
+    return QSInfo::filledFolder().filePath(record.fileName);
+}
+} // namespace
+
+// Official forms
+
+void AppModel::setFormCategory(std::optional<QSCategory> category)
+{
+    if (m_formCategory != category) {
+        m_formCategory = category;
+        Q_EMIT selectionChanged();
+    }
+}
+
+void AppModel::selectEntry(const QString &id)
+{
+    if (m_selectedEntryID != id) {
+        m_selectedEntryID = id;
+        Q_EMIT selectionChanged();
+    }
+}
+
+void AppModel::showEntry(const QString &id)
+{
+    const QSEntry *entry = QSDirectory::shared().entry(id);
+    if (!entry || !show(Screen::forms)) {
+        return;
+    }
+    if (std::ranges::find(QSDirectory::covered, entry->j) != QSDirectory::covered.end()) {
+        setState(entry->j);
+    }
+    setFormCategory(std::nullopt);
+    selectEntry(id);
+}
+
+void AppModel::open(const QSEntry &entry)
+{
+    if (opensInBrowser(entry)) {
+        browse(entry.url);
+        return;
+    }
+    if (m_openPDF && !m_openPDF->form().saved && m_openPDF->form().entry &&
+        m_openPDF->form().entry->id == entry.id) {
+        Q_EMIT openPDFWanted();
+        return;
+    }
+    if (!closeForm()) {
+        return;
+    }
+    m_fetch.request_stop();
+    m_fetch = std::stop_source();
+    runBusy<Fetched>(
+        u"Getting %1 from the official site\u2026"_s.arg(entry.displayTitle()),
+        [entry, stop = m_fetch.get_token()] { return fetchForm(entry, stop); },
+        [this, entry, stop = m_fetch.get_token()](const AsyncTask::Outcome<Fetched> &form) {
+            if (stop.stop_requested()) { // another form was asked for meanwhile
+                return;
+            }
+            if (form.error) {
+                setMessage(form.error->description());
+                return;
+            }
+            copiesChanged();
+            whenNothingIsAsked([=, this] {
+                openCopy(entry, form.result->copy, form.result->document, form.result->problem);
+            });
+        });
+}
+
+void AppModel::openCopy(const QSEntry &entry, const QSCache::Result &copy,
+                        const std::shared_ptr<QSPDFDocument> &document, const QString &problem)
+{
+    if (document) {
+        openSession({.entry = entry,
+                     .title = entry.displayTitle(),
+                     .document = document,
+                     .saved = {},
+                     .status = copy.message});
+    } else if (entry.kind == QSKind::pdf) {
+        setMessage(problem);
+    } else if (m_desktop.openFile(copy.file)) {
+        setMessage(copy.message);
+    } else {
+        setMessage(u"No program here opens Word documents. The form is at %1"_s.arg(copy.file));
+    }
+}
+
+void AppModel::recheck(const QSEntry &entry)
+{
+    runBusy<QString>(
+        u"Checking the official site for a newer version\u2026"_s,
+        [entry, stop = m_closing.get_token()] {
+            return QSCache::obtain(entry, true, QDateTime::currentDateTimeUtc(), stop).message;
+        },
+        [this](const AsyncTask::Outcome<QString> &checked) {
+            setMessage(checked.result ? *checked.result : checked.error->description());
+            copiesChanged();
+        });
+}
+
+void AppModel::copiesChanged()
+{
+    if (store()) {
+        store()->touch();
+    } else {
+        Q_EMIT revisionChanged();
+    }
+}
+
+void AppModel::showSavedCopy(const QSEntry &entry)
+{
+    const QString path = QSCache::fileURL(entry);
+    if (!m_desktop.showInFolder(path)) {
+        setMessage(u"The file manager could not be opened. The copy is at %1"_s.arg(path));
+    }
+}
+
+void AppModel::openOfficialPage(const QSEntry &entry)
+{
+    browse(entry.info.isEmpty() ? entry.url : entry.info);
+}
+
+void AppModel::browse(const QString &page)
+{
+    if (!m_desktop.openInBrowser(QUrl(page))) {
+        setMessage(u"The web browser could not be opened. The page is %1"_s.arg(page));
+    }
+}
+
+QSStatus::S AppModel::linkStatus(const QSEntry &entry)
+{
+    if (!m_linkChecks) {
+        m_linkChecks.emplace();
+        if (store()) {
+            withStore([this](QSStore &open) {
+                for (const QSLinkCheck &check : open.linkChecks()) {
+                    m_linkChecks->insert(check.url, check);
+                }
+            });
+        }
+    }
+    const auto check = m_linkChecks->constFind(entry.url);
+    return QSStatus::link(entry,
+                          check == m_linkChecks->constEnd() ? std::nullopt : std::optional(*check),
+                          QDateTime::currentDateTimeUtc());
+}
+
+// All links
+
+void AppModel::checkAllLinks()
+{
+    using Checks = QList<QSLinkChecker::Check>;
+    if (m_checking) {
+        return;
+    }
+    m_check = std::stop_source();
+    const auto links = QSLinkChecker::bulkLinks(QSDirectory::shared());
+    m_checking = Checking{0, static_cast<int>(links.size())};
+    Q_EMIT checkingChanged();
+    AsyncTask::run<Checks>(
+        this,
+        [stop = m_check.get_token()](const AsyncTask::Progress &progress) {
+            return QSLinkChecker::checkAll(QSDirectory::shared(), QSLinkChecker::parallelChecks,
+                                           progress, stop);
+        },
+        [this](const AsyncTask::Outcome<Checks> &checks) {
+            m_checking.reset();
+            if (checks.result) {
+                linksChecked(*checks.result);
+            } else {
+                setMessage(checks.error->description());
+            }
+            Q_EMIT checkingChanged();
+        },
+        [this](int done, int total) {
+            m_checking = Checking{done, total};
+            Q_EMIT checkingChanged();
+        });
+}
+
+void AppModel::stopChecking()
+{
+    m_check.request_stop();
+}
+
+void AppModel::linksChecked(const QList<QSLinkChecker::Check> &checks)
+{
+    const QDateTime now = QDateTime::currentDateTimeUtc();
+    if (store()) {
+        withStore([&](QSStore &open) {
+            open.db().transaction([&] {
+                for (const QSLinkChecker::Check &check : checks) {
+                    open.recordLinkCheck({.url = check.url,
+                                          .checked = now,
+                                          .status = check.status,
+                                          .ok = check.ok,
+                                          .finalURL = check.finalURL,
+                                          .contentType = check.contentType,
+                                          .note = check.note});
+                }
+            });
+        });
+    }
+    copiesChanged();
+    const auto attention = std::ranges::count_if(checks, &QSLinkChecker::Check::needsAttention);
+    if (m_check.stop_requested()) {
+        setMessage(u"The check was stopped after %1 links."_s.arg(checks.size()));
+    } else if (attention > 0) {
+        setMessage(u"%1 of %2 official links need attention. They are marked on this screen."_s
+                       .arg(attention)
+                       .arg(checks.size()));
+    } else {
+        setMessage(u"All %1 official links answered. California court links are checked by hand "
+                   "(their terms don't allow automated checks)."_s.arg(checks.size()));
+    }
+}
+
+// The form in the form window
+
+void AppModel::openSession(const OpenPDF &form)
+{
+    if (closeForm()) {
+        m_openPDF.emplace(form);
+        Q_EMIT openPDFChanged();
+    }
+}
+
+void AppModel::openPractice()
+{
+    try {
+        openSession({.entry = {},
+                     .title = u"Vell Practice Form"_s,
+                     .document = QSPDFDocument::open(QSPDF::practiceForm()),
+                     .saved = {},
+                     .status = u"A practice form made by this app (not an official form)."_s});
+    } catch (const QSError &error) {
+        setMessage(error.description());
+    }
+}
+
+void AppModel::loadFilledPDF(
+    const QSFilledPDF &record,
+    const std::function<void(const std::shared_ptr<QSPDFDocument> &)> &loaded)
+{
+    using Document = std::shared_ptr<QSPDFDocument>;
+    runBusy<Document>(
+        u"Opening \"%1\"\u2026"_s.arg(record.title),
+        [path = filledPath(record)] { return QSPDFDocument::open(QSFile::read(path)); },
+        [this, loaded](const AsyncTask::Outcome<Document> &opened) {
+            if (opened.error) {
+                qWarning("%s", opened.error->what());
+                setMessage(cannotOpenSaved);
+                return;
+            }
+            whenNothingIsAsked([=] { loaded(*opened.result); });
+        });
+}
+
+void AppModel::openSaved(const QSFilledPDF &record)
+{
+    if (m_openPDF && m_openPDF->form().saved && m_openPDF->form().saved->id == record.id) {
+        Q_EMIT openPDFWanted();
+        return;
+    }
+    m_fetch.request_stop(); // a form that is still on its way must not replace this one
+    loadFilledPDF(record, [this, record](const std::shared_ptr<QSPDFDocument> &document) {
+        const QSEntry *entry = QSDirectory::shared().entry(record.entryID);
+        openSession({.entry = entry ? std::optional(*entry) : std::nullopt,
+                     .title = record.title,
+                     .document = document,
+                     .saved = record,
+                     .status = u"Saved "_s + QSDate::stamp(record.modified)});
+    });
+}
+
+void AppModel::setFormValue(int id, const FormValue &value)
+{
+    if (m_openPDF) {
+        Q_EMIT formValuesChanged(m_openPDF->document().setValue(id, value));
+    }
+}
+
+bool AppModel::saveForm()
+{
+    Q_EMIT editsWanted();
+    if (!m_openPDF) {
+        return false;
+    }
+    const bool done = withStore([this](QSStore &open) {
+        const QList<FormValue> values = m_openPDF->document().values();
+        const QByteArray bytes = m_openPDF->document().bytes();
+        const QString title = m_openPDF->titleToSave();
+        QSFilledPDF record;
+        try {
+            record =
+                open.saveFilledPDF(m_openPDF->entryID(), title, bytes, m_openPDF->form().saved);
+        } catch (const QSError &error) {
+            if (error.errorCase() != QSError::Case::notFound) {
+                throw;
+            }
+            // Its copy was deleted while it was open: what is typed here is kept all the same.
+            record = open.saveFilledPDF(m_openPDF->entryID(), title, bytes);
+        }
+        m_openPDF->saved(record, values);
+        m_openPDF->setStatus(u"Saved "_s + QSDate::stamp(record.modified));
+    });
+    if (done) {
+        setMessage(u"Saved to My Documents as \"%1\"."_s.arg(m_openPDF->form().saved->title));
+        Q_EMIT formChanged();
+    }
+    return done;
+}
+
+void AppModel::exportForm(FormExport how)
+{
+    Q_EMIT editsWanted();
+    if (m_openPDF) {
+        exportPDF(m_openPDF->form().document, m_openPDF->form().title, how);
+    }
+}
+
+void AppModel::exportPDF(const std::shared_ptr<QSPDFDocument> &document, const QString &title,
+                         FormExport how)
+{
+    if (m_busy) {
+        return;
+    }
+    const QString name = QSExport::safeFileName(title) + u".pdf"_s;
+    runBusy<QByteArray>(
+        u"Making \"%1\"\u2026"_s.arg(name),
+        [document, how] {
+            return how == FormExport::flattened ? QSPDF::flatten(*document) : document->bytes();
+        },
+        [this, name](const AsyncTask::Outcome<QByteArray> &made) {
+            if (made.result) {
+                whenNothingIsAsked([=, this] { saveFile(*made.result, name); });
+            } else {
+                setMessage(made.error->description());
+            }
+        });
+}
+
+void AppModel::printForm()
+{
+    Q_EMIT editsWanted();
+    if (m_openPDF) {
+        printPDF(m_openPDF->document(), m_openPDF->form().title);
+    }
+}
+
+void AppModel::printPDF(const QSPDFDocument &document, const QString &title)
+{
+    try {
+        m_desktop.printPDF(document, title);
+    } catch (const QSError &error) {
+        setMessage(error.description());
+    }
+}
+
+bool AppModel::closeForm()
+{
+    Q_EMIT editsWanted();
+    if (!m_openPDF) {
+        return true;
+    }
+    if (m_openPDF->hasUnsavedChanges()) {
+        const Answer answer = askToSave(m_openPDF->form().title);
+        if (answer == Answer::cancel || (answer == Answer::save && !saveForm())) {
+            return false;
+        }
+    }
+    dropForm();
+    return true;
+}
+
+void AppModel::dropForm()
+{
+    m_openPDF.reset();
+    Q_EMIT openPDFChanged();
+}
+
+// Filled PDFs
+
+std::optional<QList<QSFilledPDF>> AppModel::filledPDFs()
+{
+    std::optional<QList<QSFilledPDF>> found;
+    withStore([&found](QSStore &open) { found = open.filledPDFs(); });
+    return found;
+}
+
+void AppModel::deleteFilledPDF(const QSFilledPDF &record)
+{
+    if (askToDelete(record.title)) {
+        withStore([&record](QSStore &open) { open.deleteFilledPDF(record); });
+    }
+}
+
+void AppModel::exportFilledPDF(const QSFilledPDF &record, FormExport how)
+{
+    loadFilledPDF(record, [=, this](const std::shared_ptr<QSPDFDocument> &document) {
+        exportPDF(document, record.title, how);
+    });
+}
+
+void AppModel::printFilledPDF(const QSFilledPDF &record)
+{
+    loadFilledPDF(record, [=, this](const std::shared_ptr<QSPDFDocument> &document) {
+        printPDF(*document, record.title);
+    });
+}

@@ -1,0 +1,299 @@
+#include "AgencyServer.h"
+#include "AppModel.h"
+#include "FakeDesktop.h"
+#include "QSCache.h"
+#include "QSDirectory.h"
+#include "QSPDF.h"
+#include "ScratchUser.h"
+#include "TestFiles.h"
+
+#include <QSignalSpy>
+#include <QTest>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+using Answer = AgencyServer::Answer;
+
+// the buttons of the question about unsaved changes
+constexpr int save = 0;
+constexpr int dontSave = 1;
+constexpr int cancel = 2;
+
+const QSEntry &w9()
+{
+    return *QSDirectory::shared().entry(u"us-w-9");
+}
+const QSEntry &ss4()
+{
+    return *QSDirectory::shared().entry(u"us-ss-4");
+}
+} // namespace
+
+/// What the model does with official forms, the agencies played on this machine.
+class TestAppModelForms final : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase()
+    {
+        m_form = QSPDF::practiceForm();
+        m_agencies = std::make_unique<AgencyServer>();
+        m_agencies->answerOthers(Answer::pdf(m_form, "\"1\""));
+    }
+    void cleanupTestCase() { m_agencies.reset(); }
+
+    void init()
+    {
+        m_user = std::make_unique<ScratchUser>();
+        QSStore::setShared(std::make_unique<QSStore>(QSInfo::databaseURL()));
+        m_desktop = std::make_unique<FakeDesktop>();
+        m_model = std::make_unique<AppModel>(*m_desktop);
+    }
+
+    void cleanup()
+    {
+        QVERIFY2(m_desktop->settled(), qPrintable(m_desktop->unexpected.join(u'\n')));
+        m_model.reset();
+        QSStore::setShared(nullptr);
+        m_user.reset();
+    }
+
+    void aFormIsFetchedFilledSavedAndFoundAgain()
+    {
+        m_model->open(w9());
+        QCOMPARE(m_model->busy(),
+                 u"Getting W-9 \u2014 %1 from the official site\u2026"_s.arg(w9().title));
+        QTRY_VERIFY(m_model->openPDF());
+        QVERIFY(!m_model->busy());
+        const OpenPDF &form = m_model->openPDF()->form();
+        QCOMPARE(form.title, w9().displayTitle());
+        QCOMPARE(form.status, u"Downloaded from the official site just now."_s);
+
+        type(u"full_name"_s, u"Rosa Delgado"_s);
+        QVERIFY(m_model->openPDF()->hasUnsavedChanges());
+        QVERIFY(m_model->saveForm());
+        QVERIFY(!m_model->openPDF()->hasUnsavedChanges());
+        const QString title =
+            w9().displayTitle() +
+            u" (filled %1)"_s.arg(QLocale::c().toString(QDate::currentDate(), u"MMMM d, yyyy"_s));
+        QCOMPARE(m_model->message(), u"Saved to My Documents as \"%1\"."_s.arg(title));
+        type(u"phone"_s, u"719-555-0142"_s);
+        QVERIFY(m_model->saveForm()); // over the first copy
+        QCOMPARE(m_model->filledPDFs()->size(), 1);
+        QVERIFY(m_model->closeForm());
+        QVERIFY(!m_model->openPDF());
+
+        const QSFilledPDF record = m_model->filledPDFs()->constFirst();
+        QCOMPARE(record.entryID, w9().id);
+        m_model->openSaved(record);
+        QTRY_VERIFY(m_model->openPDF());
+        QCOMPARE(m_model->openPDF()->form().title, title);
+        QVERIFY(m_model->openPDF()->form().status.startsWith(u"Saved "));
+        const auto values = QSPDF::values(m_model->openPDF()->document());
+        QCOMPARE(values.value(u"full_name"_s), u"Rosa Delgado"_s);
+        QCOMPARE(values.value(u"phone"_s), u"719-555-0142"_s);
+        QVERIFY(!m_model->openPDF()->hasUnsavedChanges());
+    }
+
+    void whatIsNoFileOpensInTheBrowser()
+    {
+        const QSEntry *page = QSDirectory::shared().entry(u"us-ein-online");
+        QVERIFY(page);
+        m_model->open(*page);
+        QCOMPARE(m_desktop->browsed, QList<QUrl>{QUrl(page->url)});
+        QVERIFY(!m_model->busy());
+        m_desktop->hasBrowser = false;
+        m_model->openOfficialPage(w9());
+        QVERIFY(m_model->message()->contains(m_desktop->browsed.constLast().toString()));
+    }
+
+    void theFormAskedForLastIsShown()
+    {
+        Answer slow = Answer::pdf(m_form);
+        slow.delay = std::chrono::milliseconds(300);
+        m_agencies->answer(w9().url, {slow, Answer::pdf(m_form)});
+        m_model->open(w9());
+        m_model->open(ss4());
+        QTRY_VERIFY(m_model->openPDF());
+        QCOMPARE(m_model->openPDF()->form().entry->id, ss4().id);
+        QTest::qWait(500); // the first one's answer would have come by now
+        QCOMPARE(m_model->openPDF()->form().entry->id, ss4().id);
+
+        QSignalSpy wanted(m_model.get(), &AppModel::openPDFWanted);
+        const QUuid opening = m_model->openPDF()->form().id;
+        m_model->open(ss4()); // the window that has it comes to the front
+        QCOMPARE(wanted.size(), 1);
+        QCOMPARE(m_model->openPDF()->form().id, opening);
+    }
+
+    void closingAsksAboutWhatIsNotSaved()
+    {
+        m_model->openPractice();
+        QCOMPARE(m_model->openPDF()->form().title, u"Vell Practice Form"_s);
+        QCOMPARE(m_model->openPDF()->form().status,
+                 u"A practice form made by this app (not an official form)."_s);
+        QVERIFY(m_model->closeForm()); // nothing typed, nothing asked
+        m_model->openPractice();
+        type(u"full_name"_s, u"Rosa"_s);
+        m_desktop->answers = {cancel};
+        QVERIFY(!m_model->closeForm());
+        QVERIFY(m_model->openPDF());
+        m_desktop->answers = {cancel};
+        m_model->openPractice(); // another form asks as well
+        QCOMPARE(QSPDF::values(m_model->openPDF()->document()).value(u"full_name"_s), u"Rosa"_s);
+        m_desktop->answers = {cancel};
+        QVERIFY(!m_model->closeEverything());
+        m_desktop->answers = {save};
+        QVERIFY(m_model->closeEverything());
+        QCOMPARE(m_desktop->questions.constLast().text,
+                 u"Save changes to \"Vell Practice Form\""_s);
+        QCOMPARE(m_model->filledPDFs()->constFirst().entryID, u"practice"_s);
+
+        m_model->openPractice();
+        type(u"full_name"_s, u"Rosa"_s);
+        m_desktop->answers = {dontSave};
+        QVERIFY(m_model->closeForm());
+        QCOMPARE(m_model->filledPDFs()->size(), 1);
+    }
+
+    void aCopyDeletedWhileItIsOpenIsSavedAnew()
+    {
+        m_model->openPractice();
+        type(u"full_name"_s, u"Rosa"_s);
+        QVERIFY(m_model->saveForm());
+        m_desktop->answers = {1}; // "Delete"
+        m_model->deleteFilledPDF(m_model->filledPDFs()->constFirst());
+        QVERIFY(m_model->filledPDFs()->isEmpty());
+        type(u"phone"_s, u"719"_s);
+        QVERIFY(m_model->saveForm());
+        QCOMPARE(m_model->filledPDFs()->size(), 1);
+        QVERIFY(m_model->saveForm());
+        QCOMPARE(m_model->filledPDFs()->size(), 1);
+    }
+
+    void aCopyThatCannotBeReadLeavesTheFormWindowAlone_data()
+    {
+        QTest::addColumn<QByteArray>("bytes");
+        QTest::newRow("its file is gone") << QByteArray();
+        QTest::newRow("its file is no PDF any more") << QByteArray("moved");
+    }
+
+    void aCopyThatCannotBeReadLeavesTheFormWindowAlone()
+    {
+        QFETCH(QByteArray, bytes);
+        const QSFilledPDF record = QSStore::shared()->saveFilledPDF(u"us-w-9"_s, u"W-9"_s, m_form);
+        const QString path = QSInfo::filledFolder().filePath(record.fileName);
+        QVERIFY(QFile::remove(path));
+        if (!bytes.isEmpty()) {
+            writeFile(path, bytes);
+        }
+        m_model->openPractice();
+        const QUuid opening = m_model->openPDF()->form().id;
+        QTest::ignoreMessage(QtWarningMsg, QRegularExpression(u"."_s));
+        m_model->openSaved(record);
+        QTRY_COMPARE(m_model->message(), u"This saved PDF could not be opened."_s);
+        QCOMPARE(m_model->openPDF()->form().id, opening);
+    }
+
+    void bothExportsHoldWhatWasTyped()
+    {
+        m_model->openPractice();
+        type(u"city_state_zip"_s, u"Pueblo, CO 81003"_s);
+        for (const auto how : {AppModel::FormExport::editable, AppModel::FormExport::flattened}) {
+            const QString path = m_user->path(u"copy.pdf"_s);
+            m_desktop->savePaths = {path};
+            m_model->setMessage(std::nullopt);
+            m_model->exportForm(how);
+            QTRY_COMPARE(m_model->message(), u"Saved copy.pdf"_s);
+            QCOMPARE(m_desktop->suggestedNames.constLast(), u"Vell Practice Form.pdf"_s);
+            const auto copy = QSPDFDocument::open(contents(path));
+            QVERIFY(copy->text(0).contains(u"Pueblo, CO 81003"));
+            QCOMPARE(QSPDF::isFillable(*copy), how == AppModel::FormExport::editable);
+        }
+        m_model->printForm();
+        QCOMPARE(m_desktop->printedPDFs, QStringList{u"Vell Practice Form"_s});
+        m_desktop->answers = {dontSave};
+        QVERIFY(m_model->closeForm());
+    }
+
+    void aSiteThatCannotBeReachedIsASentence()
+    {
+        m_agencies->goAway();
+        m_model->open(ss4());
+        QTRY_VERIFY(m_model->message());
+        m_agencies->comeBack();
+        QVERIFY2(m_model->message()->endsWith(
+                     u"An internet connection is needed the first time a form is opened."),
+                 qPrintable(*m_model->message()));
+        QVERIFY(!m_model->busy());
+        QVERIFY(!m_model->openPDF());
+    }
+
+    void aRecheckTellsTheScreens()
+    {
+        m_model->open(ss4());
+        QTRY_VERIFY(m_model->openPDF());
+        QSignalSpy revisions(m_model.get(), &AppModel::revisionChanged);
+        m_model->recheck(ss4());
+        QCOMPARE(m_model->busy(), u"Checking the official site for a newer version\u2026"_s);
+        QTRY_COMPARE(m_model->message(),
+                     u"Checked with the official site just now: no newer version."_s);
+        QVERIFY(!revisions.isEmpty());
+        m_model->showSavedCopy(ss4());
+        QCOMPARE(m_desktop->shownInFolder, QStringList{QSCache::fileURL(ss4())});
+    }
+
+    void aCheckOfAllLinksIsRecordedAndSummed()
+    {
+        m_agencies->answer(ss4().url, {Answer::refusal(404)});
+        QSignalSpy progress(m_model.get(), &AppModel::checkingChanged);
+        m_model->checkAllLinks();
+        const int total = m_model->checking()->total;
+        QVERIFY(total > 200);
+        m_model->checkAllLinks(); // one at a time
+        QTRY_VERIFY_WITH_TIMEOUT(!m_model->checking(), 60000);
+        QVERIFY(progress.size() > 2);
+        QVERIFY2(m_model->message()->contains(u" of %1 official links need attention. They are "
+                                              "marked on this screen."_s.arg(total)),
+                 qPrintable(*m_model->message()));
+        QCOMPARE(QSStore::shared()->linkChecks().size(), total);
+        QCOMPARE(m_model->linkStatus(ss4()).level, 2);
+        QCOMPARE(m_model->linkStatus(w9()).level, 0);
+    }
+
+    void aHitShowsItsEntryUnderItsState()
+    {
+        m_model->setFormCategory(QSCategory::w9);
+        const QList<QSEntry> texas = QSDirectory::shared().entriesFor(u"TX");
+        m_model->openHit({QSSearchHit::Kind::form, texas.constFirst().id, {}, {}});
+        QCOMPARE(m_model->screen(), Screen::forms);
+        QCOMPARE(m_model->state(), u"TX"_s);
+        QCOMPARE(m_model->selectedEntryID(), texas.constFirst().id);
+        QVERIFY(!m_model->formCategory());
+        m_model->openHit({QSSearchHit::Kind::form, w9().id, {}, {}});
+        QCOMPARE(m_model->state(), u"TX"_s); // federal forms belong to every state
+    }
+
+private:
+    void type(const QString &name, const QString &text)
+    {
+        for (const FormField &field : m_model->openPDF()->document().fields()) {
+            if (field.name == name) {
+                m_model->setFormValue(field.id, {.text = text, .on = false, .chosen = {}});
+                return;
+            }
+        }
+        QFAIL(qPrintable(u"no field "_s + name));
+    }
+
+    QByteArray m_form;
+    std::unique_ptr<AgencyServer> m_agencies;
+    std::unique_ptr<ScratchUser> m_user;
+    std::unique_ptr<FakeDesktop> m_desktop;
+    std::unique_ptr<AppModel> m_model;
+};
+
+QTEST_MAIN(TestAppModelForms)
+#include "tst_appmodelforms.moc"
