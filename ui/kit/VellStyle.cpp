@@ -25,6 +25,7 @@ VxPanel, QFrame[panel="true"] {
 QPushButton, QToolButton[button="true"] {
   background: qlineargradient(x1:0, y1:0, x2:0, y2:1, stop:0 PANELTOP, stop:1 PANELBOTTOM);
   color: TEXT; border: 1px solid LINE; border-radius: 0.4em; padding: 0.4em 0.9em; }
+QPushButton { qproperty-autoDefault: true; } /* pressed by Enter, too, and not only in dialogs */
 QPushButton:hover, QToolButton[button="true"]:hover { border-color: TEXT; }
 QPushButton:pressed, QToolButton[button="true"]:pressed { background: PANELBOTTOM; }
 QPushButton:disabled, QToolButton[button="true"]:disabled { color: FAINT; border-color: EDGE; }
@@ -37,10 +38,11 @@ QPushButton[primary="true"]:disabled { background: PANELBOTTOM; color: FAINT; bo
 QPushButton::menu-indicator { subcontrol-position: right center; right: 0.4em; }
 QPushButton[menu="true"] { padding-right: 1.6em; }
 
-QLineEdit, QPlainTextEdit, QComboBox {
+QLineEdit, QPlainTextEdit, QTextEdit, QComboBox {
   background: INSET; color: TEXT; border: 1px solid LINE; border-radius: 0.4em; padding: 0.35em;
   selection-background-color: ACCENT; selection-color: ONACCENT; }
-QLineEdit:focus, QPlainTextEdit:focus, QComboBox:focus { border: 2px solid ACCENT; }
+QLineEdit:focus, QPlainTextEdit:focus, QTextEdit:focus, QComboBox:focus {
+  border: 2px solid ACCENT; }
 QComboBox QAbstractItemView { background: PANELBOTTOM; color: TEXT; border: 1px solid LINE;
   selection-background-color: ACCENT; selection-color: ONACCENT; }
 
@@ -52,7 +54,7 @@ QListView::item:hover { background: EDGE; }
 QListView::item:selected, QTableView::item:selected { background: ACCENT; color: ONACCENT; }
 QListView::item:disabled { color: DIM; }
 QTableView { gridline-color: transparent; alternate-background-color: STRIPE; }
-QTableView::item { padding: 0.3em 0.6em; }
+QTableView::item { padding: 0.3em 0.6em; border: none; }
 QHeaderView { background: transparent; }
 QHeaderView::section { background: transparent; color: DIM; border: none;
   border-bottom: 1px solid LINE; padding: 0.4em 0.6em; font-weight: 600; }

@@ -4,6 +4,7 @@
 #include "VellTheme.h"
 
 #include <QFile>
+#include <QHash>
 #include <QIconEngine>
 #include <QPainter>
 #include <QSvgRenderer>
@@ -11,6 +12,7 @@
 #include <algorithm>
 #include <array>
 #include <memory>
+#include <utility>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -22,20 +24,33 @@ struct Drawing
 };
 
 constexpr std::array drawings = {
+    Drawing{u"arrow.clockwise", u"arrow-clockwise"},
+    Drawing{u"arrow.left.and.right", u"arrows"},
+    Drawing{u"arrow.uturn.backward", u"arrow-counterclockwise"},
+    Drawing{u"arrow.uturn.forward", u"arrow-clockwise"},
     Drawing{u"building.columns.fill", u"bank"},
     Drawing{u"calendar", u"calendar3"},
     Drawing{u"checkmark.circle.fill", u"check-circle-fill"},
+    Drawing{u"checkmark.seal.fill", u"patch-check-fill"},
     Drawing{u"checkmark.shield.fill", u"shield-fill-check"},
+    Drawing{u"clock.badge.exclamationmark.fill", u"clock-fill"},
+    Drawing{u"doc.fill", u"file-earmark-fill"},
+    Drawing{u"doc.richtext.fill", u"file-earmark-richtext-fill"},
     Drawing{u"doc.text.fill", u"file-earmark-text-fill"},
     Drawing{u"exclamationmark.triangle.fill", u"exclamation-triangle-fill"},
     Drawing{u"externaldrive.fill", u"device-hdd-fill"},
     Drawing{u"folder.fill", u"folder-fill"},
+    Drawing{u"globe", u"globe"},
+    Drawing{u"hand.raised.fill", u"hand-index-fill"},
     Drawing{u"info.circle.fill", u"info-circle-fill"},
     Drawing{u"magnifyingglass", u"search"},
+    Drawing{u"minus.magnifyingglass", u"zoom-out"},
     Drawing{u"person.2.wave.2.fill", u"people-fill"},
     Drawing{u"person.crop.circle.fill", u"person-circle"},
+    Drawing{u"plus.magnifyingglass", u"zoom-in"},
     Drawing{u"printer.fill", u"printer"},
     Drawing{u"safari.fill", u"box-arrow-up-right"},
+    Drawing{u"sidebar.left", u"layout-sidebar"},
     Drawing{u"sparkle.magnifyingglass", u"stars"},
     Drawing{u"square.and.arrow.up", u"box-arrow-up"},
     Drawing{u"trash.fill", u"trash"},
@@ -88,11 +103,13 @@ QIcon named(const QString &symbol, const QColor &colour)
     if (drawing == drawings.end() || !resources) {
         return {};
     }
-    QFile file(resources->filePath(u"icons/%1.svg"_s.arg(drawing->file)));
-    if (!file.open(QIODevice::ReadOnly)) {
-        return {};
-    }
     const QColor tint = colour.isValid() ? colour : VellThemes::current().text.color();
-    return QIcon(new TintedEngine(file.readAll(), tint));
+    static QHash<std::pair<QStringView, QRgb>, QIcon> made; // lists ask with every painted row
+    QIcon &icon = made[{drawing->file, tint.rgba()}];
+    QFile file(resources->filePath(u"icons/%1.svg"_s.arg(drawing->file)));
+    if (icon.isNull() && file.open(QIODevice::ReadOnly)) {
+        icon = QIcon(new TintedEngine(file.readAll(), tint));
+    }
+    return icon;
 }
 } // namespace VxIcon

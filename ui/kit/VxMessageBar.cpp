@@ -7,7 +7,10 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QProgressBar>
+#include <QPushButton>
 #include <QToolButton>
+
+#include <utility>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -17,12 +20,12 @@ VxMessageBar::VxMessageBar(QWidget *parent)
       m_text(VxText::make({}, VxText::Role::body, this)),
       m_busy(VxText::make({}, VxText::Role::body, this)),
       m_bar(new QProgressBar(this)),
-      m_dismiss(new QToolButton(this))
+      m_dismiss(new QToolButton(this)),
+      m_stop(new QPushButton(u"Stop"_s, this))
 {
     setObjectName(u"message"_s);
     const int em = fontMetrics().height();
     m_icon->setPixmap(VxIcon::named(u"info.circle.fill"_s).pixmap(em, em));
-    m_bar->setRange(0, 0);
     m_bar->setTextVisible(false);
     m_bar->setFixedWidth(em * 8);
     m_dismiss->setIcon(VxIcon::named(u"xmark"_s));
@@ -30,6 +33,7 @@ VxMessageBar::VxMessageBar(QWidget *parent)
     m_dismiss->setToolTip(u"Dismiss this message"_s);
     m_dismiss->setAccessibleName(u"Dismiss this message"_s);
     connect(m_dismiss, &QToolButton::clicked, this, &VxMessageBar::dismissed);
+    connect(m_stop, &QPushButton::clicked, this, &VxMessageBar::stopWanted);
 
     auto *row = new QHBoxLayout(this);
     row->setContentsMargins(em / 2, em / 3, em / 2, em / 3);
@@ -38,22 +42,40 @@ VxMessageBar::VxMessageBar(QWidget *parent)
     row->addWidget(m_dismiss);
     row->addWidget(m_busy);
     row->addWidget(m_bar);
+    row->addWidget(m_stop);
     hide();
 }
 
-void VxMessageBar::display(const QString &message, const QString &busy)
+void VxMessageBar::display(const QString &message, const Work &work)
 {
-    for (const auto &[label, text] : {std::pair(m_text, message), std::pair(m_busy, busy)}) {
-        if (label->text() != text) {
-            label->setText(text);
-            announce(text);
-        }
-        label->setVisible(!text.isEmpty());
+    if (m_text->text() != message) {
+        m_text->setText(message);
+        announce(message);
     }
-    m_bar->setVisible(!busy.isEmpty());
-    m_icon->setVisible(!message.isEmpty());
-    m_dismiss->setVisible(!message.isEmpty());
-    setVisible(!message.isEmpty() || !busy.isEmpty());
+    for (QWidget *part : std::initializer_list<QWidget *>{m_icon, m_text, m_dismiss}) {
+        part->setVisible(!message.isEmpty());
+    }
+    displayWork(work);
+    setVisible(!message.isEmpty() || !work.text.isEmpty());
+}
+
+void VxMessageBar::displayWork(const Work &work)
+{
+    const bool counted = work.total > 0;
+    m_busy->setText(counted ? u"%1: %2 of %3"_s.arg(work.text, QString::number(work.done),
+                                                    QString::number(work.total))
+                            : work.text);
+    m_bar->setRange(0, work.total); // from 0 to 0 it moves
+    m_bar->setValue(work.done);
+    m_bar->setAccessibleName(work.text);
+    for (QWidget *part : std::initializer_list<QWidget *>{m_busy, m_bar}) {
+        part->setVisible(!work.text.isEmpty());
+    }
+    m_stop->setVisible(work.stoppable);
+    m_stop->setAccessibleName(u"Stop: %1"_s.arg(work.text));
+    if (std::exchange(m_workText, work.text) != work.text) {
+        announce(work.text);
+    }
 }
 
 void VxMessageBar::announce(const QString &text)

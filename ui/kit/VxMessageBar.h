@@ -4,25 +4,40 @@
 
 class QLabel;
 class QProgressBar;
+class QPushButton;
 class QToolButton;
 
 /// One line of the window for what just happened or is going on: a sentence that stays until it
-/// is dismissed or replaced, and a busy text with a moving bar. Hidden while there is neither.
+/// is dismissed or replaced, and a busy text with a bar that moves or shows how far the work is.
+/// Hidden while there is neither.
 class VxMessageBar final : public QFrame
 {
     Q_OBJECT
 
 public:
+    /// What is going on.
+    struct Work
+    {
+        QString text; ///< empty for nothing
+        int done = 0;
+        int total = 0; ///< 0 where nobody knows how much there is to do
+        bool stoppable = false;
+    };
+
     explicit VxMessageBar(QWidget *parent = nullptr);
 
-    /// The sentence and the busy text to show, each empty for none.
-    void display(const QString &message, const QString &busy);
+    /// The sentence to show, empty for none, and the work. Each is read out when it changes; how
+    /// far the work is, is not.
+    void display(const QString &message, const Work &work);
 
 Q_SIGNALS:
     /// The user has read the sentence.
     void dismissed();
+    /// The user wants the work to end.
+    void stopWanted();
 
 private:
+    void displayWork(const Work &work);
     void announce(const QString &text);
 
     QLabel *m_icon;
@@ -30,4 +45,6 @@ private:
     QLabel *m_busy;
     QProgressBar *m_bar;
     QToolButton *m_dismiss;
+    QPushButton *m_stop;
+    QString m_workText; ///< as last read out
 };
