@@ -29,6 +29,7 @@ MainMenu::MainMenu(AppModel &model, const QList<Screen> &screens, QMainWindow *w
     createGoMenu(screens);
     createHelpMenu();
     connect(&m_model, &AppModel::editingChanged, this, &MainMenu::enableCommands);
+    connect(&m_model, &AppModel::checkingChanged, this, &MainMenu::enableCommands);
     enableCommands();
 }
 
@@ -43,6 +44,7 @@ void MainMenu::createFileMenu()
             }
         });
     }
+    menu->addAction(u"Open the Practice &Form"_s, &m_model, &AppModel::openPractice);
     menu->addSeparator();
     QAction *save =
         menu->addAction(u"&Save"_s, key(u"Ctrl+S"), &m_model, [this] { m_model.saveEdited(); });
@@ -54,6 +56,9 @@ void MainMenu::createFileMenu()
     QAction *close = menu->addAction(u"&Close Document"_s, key(u"Ctrl+W"), &m_model,
                                      [this] { m_model.closeEditor(); });
     m_documentCommands = {save, formats->menuAction(), print, close};
+    menu->addSeparator();
+    m_checkLinks =
+        menu->addAction(u"Check All Official &Links"_s, &m_model, &AppModel::checkAllLinks);
     menu->addSeparator();
     menu->addAction(u"&Quit"_s, key(u"Ctrl+Q"), m_window, [this] { m_window->close(); });
 }
@@ -90,4 +95,5 @@ void MainMenu::enableCommands()
     for (QAction *command : m_documentCommands) {
         command->setEnabled(m_model.editing().has_value());
     }
+    m_checkLinks->setEnabled(!m_model.checking());
 }

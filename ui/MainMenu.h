@@ -28,10 +28,12 @@ private:
     void createFileMenu();
     void createGoMenu(const QList<Screen> &screens);
     void createHelpMenu();
-    /// Commands on the open document are off while there is none.
+    /// Commands on the open document are off while there is none, the check of all links while one
+    /// runs.
     void enableCommands();
 
     AppModel &m_model;
     QMainWindow *m_window;
     QList<QAction *> m_documentCommands;
+    QAction *m_checkLinks = nullptr;
 };

@@ -6,10 +6,13 @@
 #include "QSInfo.h"
 #include "SearchField.h"
 #include "Sidebar.h"
+#include "StateMenu.h"
 #include "VxMessageBar.h"
 #include "VxText.h"
 #include "editor/DocumentEditor.h"
+#include "formwindow/FormWindow.h"
 #include "screens/DocumentsView.h"
+#include "screens/FormsView.h"
 #include "screens/ProfileView.h"
 #include "screens/SearchView.h"
 #include "screens/TemplatesView.h"
@@ -26,13 +29,33 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace {
 /// The screens that the window has, in the order of the sidebar.
-const QList<Screen> screens = {Screen::templates, Screen::documents, Screen::profile};
+const QList<Screen> screens = {Screen::forms, Screen::templates, Screen::documents,
+                               Screen::profile};
+
+/// What the model is busy with, for the message line.
+VxMessageBar::Work work(const AppModel &model)
+{
+    VxMessageBar::Work work;
+    QStringList texts;
+    if (model.busy()) {
+        texts.append(*model.busy());
+    }
+    if (model.checking()) {
+        texts.append(u"Checking official links"_s);
+        work.done = model.checking()->done;
+        work.total = model.checking()->total;
+        work.stoppable = true;
+    }
+    work.text = texts.join(u" \u00B7 "_s);
+    return work;
+}
 } // namespace
 
 MainWindow::MainWindow(AppModel &model)
     : m_model(model),
       m_sidebar(new Sidebar(screens, this)),
       m_title(VxText::make({}, VxText::Role::title, this)),
+      m_state(new StateMenu(model, this)),
       m_search(new SearchField(model, this)),
       m_message(new VxMessageBar(this)),
       m_pages(new QStackedWidget(this))
@@ -43,9 +66,13 @@ MainWindow::MainWindow(AppModel &model)
     showMessage();
 }
 
+MainWindow::~MainWindow() = default;
+
 QWidget *MainWindow::createScreen(Screen screen)
 {
     switch (screen) {
+    case Screen::forms:
+        return new FormsView(m_model, m_pages);
     case Screen::documents:
         return new DocumentsView(m_model, m_pages);
     case Screen::profile:
@@ -128,6 +155,10 @@ QWidget *MainWindow::createHeader()
     row->setContentsMargins({});
     m_title->setWordWrap(false);
     row->addWidget(m_title, 1);
+    auto *state = new QLabel(u"State"_s, header);
+    state->setBuddy(m_state);
+    row->addWidget(state);
+    row->addWidget(m_state);
     m_search->setMinimumWidth(fontMetrics().height() * 18);
     row->addWidget(m_search);
     return header;
@@ -178,6 +209,7 @@ void MainWindow::connectModel()
         Qt::QueuedConnection);
     connect(m_message, &VxMessageBar::dismissed, &m_model,
             [this] { m_model.setMessage(std::nullopt); });
+    connect(m_message, &VxMessageBar::stopWanted, &m_model, &AppModel::stopChecking);
     connect(&m_model, &AppModel::screenChanged, this, &MainWindow::showPage);
     connect(&m_model, &AppModel::searchChanged, this, &MainWindow::showPage);
     connect(&m_model, &AppModel::editingChanged, this, [this] {
@@ -188,8 +220,10 @@ void MainWindow::connectModel()
             m_pages->currentWidget()->setFocus();
         }
     });
+    connect(&m_model, &AppModel::openPDFChanged, this, &MainWindow::openFormWindow);
     connect(&m_model, &AppModel::messageChanged, this, &MainWindow::showMessage);
     connect(&m_model, &AppModel::busyChanged, this, &MainWindow::showMessage);
+    connect(&m_model, &AppModel::checkingChanged, this, &MainWindow::showMessage);
     // queued: at start-up the window is shown first
     connect(&m_model, &AppModel::showDisclaimerChanged, this, &MainWindow::showDisclaimer,
             Qt::QueuedConnection);
@@ -225,7 +259,7 @@ void MainWindow::showTitle()
 
 void MainWindow::showMessage()
 {
-    m_message->display(m_model.message().value_or(QString()), m_model.busy().value_or(QString()));
+    m_message->display(m_model.message().value_or(QString()), work(m_model));
 }
 
 void MainWindow::showDisclaimer()
@@ -238,6 +272,13 @@ void MainWindow::showDisclaimer()
         m_model.acceptDisclaimer();
     } else {
         m_model.setShowDisclaimer(false);
+    }
+}
+
+void MainWindow::openFormWindow()
+{
+    if (m_model.openPDF() && !m_formWindow) {
+        m_formWindow = std::make_unique<FormWindow>(m_model);
     }
 }
 

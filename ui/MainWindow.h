@@ -5,18 +5,23 @@
 #include <QMainWindow>
 #include <QMap>
 
+#include <memory>
+
 class AppModel;
 class DocumentEditor;
+class FormWindow;
 class QLabel;
 class QPushButton;
 class QStackedWidget;
 class SearchField;
 class SearchView;
 class Sidebar;
+class StateMenu;
 class VxMessageBar;
 
-/// The one window: sidebar, header with the search field, the screen, message line, and the
-/// disclaimer's footer. It shows what the model says and hands what the user does to the model.
+/// The one window: sidebar, header with the state menu and the search field, the screen, message
+/// line, and the disclaimer's footer. It shows what the model says and hands what the user does to
+/// the model.
 class MainWindow final : public QMainWindow
 {
     Q_OBJECT
@@ -24,6 +29,7 @@ class MainWindow final : public QMainWindow
 public:
     /// The model has to outlive the window.
     explicit MainWindow(AppModel &model);
+    ~MainWindow() override;
 
     /// Comes to the front, out of the task bar if need be.
     void bringForward();
@@ -48,10 +54,13 @@ private:
     void showTitle();
     void showMessage();
     void showDisclaimer();
+    /// Makes the form window when a form is opened for the first time; it shows itself.
+    void openFormWindow();
 
     AppModel &m_model;
     Sidebar *m_sidebar;
     QLabel *m_title;
+    StateMenu *m_state;
     SearchField *m_search;
     VxMessageBar *m_message;
     QStackedWidget *m_pages;
@@ -59,4 +68,5 @@ private:
     QMap<Screen, QWidget *> m_screens; ///< those made so far; so too the two below
     SearchView *m_results = nullptr;
     DocumentEditor *m_editor = nullptr;
+    std::unique_ptr<FormWindow> m_formWindow; ///< a window of its own, not in front of this one
 };

@@ -24,7 +24,7 @@ private Q_SLOTS:
         unknown.title = u"Old"_s;
         unknown.templateID = u"of-another-version"_s;
         const QSignalSpy resets(&model, &QAbstractItemModel::modelReset);
-        model.setDocuments({known, unknown});
+        model.setRecords({known, unknown});
         QCOMPARE(resets.count(), 1);
         QStringList lines;
         for (int row = 0; row < model.rowCount(); ++row) {
@@ -36,7 +36,7 @@ private Q_SLOTS:
         }
         QCOMPARE(lines.first(), u"May rent / Rent Receipt / May 1, 2026 4:05 PM"_s);
         QVERIFY(lines.last().startsWith(u"Old / of-another-version / "_s));
-        QVERIFY(!model.documentAt(2) && !model.documentAt(-1));
+        QVERIFY(!model.recordAt(2) && !model.recordAt(-1));
     }
 };
 

@@ -1,23 +1,13 @@
-#include "AppModel.h"
-#include "FakeDesktop.h"
-#include "MainWindow.h"
 #include "QSTemplates.h"
-#include "QSThemes.h"
-#include "ScratchUser.h"
-#include "VellStyle.h"
+#include "WindowFixture.h"
 #include "editor/FieldsPane.h"
 #include "editor/PaperPreview.h"
 
-#include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPlainTextEdit>
-#include <QPushButton>
 #include <QScrollBar>
-#include <QSignalSpy>
-#include <QStackedWidget>
 #include <QTableView>
-#include <QTest>
 #include <QTimer>
 
 using namespace Qt::Literals::StringLiterals;
@@ -28,7 +18,7 @@ constexpr int cancel = 2;
 } // namespace
 
 /// The window as a person uses it: keys and clicks go in, and what is checked is what is shown.
-class TestMainWindow final : public QObject
+class TestMainWindow final : public QObject, private WindowFixture
 {
     Q_OBJECT
 
@@ -36,34 +26,21 @@ private Q_SLOTS:
     void initTestCase()
     {
         QVERIFY2(QSTemplates::templateById(u"rent-receipt"), "no templates");
-        VellThemes::registerThemes(QSThemes::extras());
-        VellThemes::setDefaultID(QSThemes::graphiteID);
-        VellStyle::apply(*qApp, VellThemes::current());
+        setLook();
     }
 
-    void init()
-    {
-        m_user = std::make_unique<ScratchUser>();
-        QSPrefs::setDisclaimerAccepted(true);
-        QSStore::setShared(std::make_unique<QSStore>(QSInfo::databaseURL()));
-        m_desktop = std::make_unique<FakeDesktop>();
-        openWindow();
-        QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
-    }
+    void init() { QVERIFY(begin()); }
 
     void cleanup()
     {
         QVERIFY2(m_desktop->settled(), qPrintable(m_desktop->unexpected.join(u'\n')));
-        m_window.reset();
-        m_model.reset();
-        QSStore::setShared(nullptr);
-        m_user.reset();
+        end();
     }
 
     void fromTemplateToSavedDocumentByKeyboardAlone()
     {
         press(Qt::Key_3, Qt::ControlModifier);
-        focus("Templates")->setFocus();
+        named(u"Templates"_s)->setFocus();
         for (int i = 0; i < 40 && m_model->selectedTemplateID() != u"rent-receipt"_s; ++i) {
             press(Qt::Key_Down);
         }
@@ -77,7 +54,7 @@ private Q_SLOTS:
         // the keyboard stands in a field; from the name, Tab goes through all of them in their
         // order
         QVERIFY(shown<FieldsPane>()->isAncestorOf(focused()));
-        focus("Document name")->setFocus();
+        named(u"Document name"_s)->setFocus();
         const QSTemplate *receipt = QSTemplates::templateById(u"rent-receipt");
         QStringList walked;
         for (int i = 0; i < 60 && walked.size() < receipt->fields.size(); ++i) {
@@ -102,7 +79,7 @@ private Q_SLOTS:
         QVERIFY(!m_model->editing());
 
         // a new start finds it in My Documents, and by a word typed in it
-        restart();
+        QVERIFY(restart());
         press(Qt::Key_4, Qt::ControlModifier);
         auto *table = shown<QTableView>();
         QCOMPARE(table->model()->rowCount(), 1);
@@ -185,14 +162,14 @@ private Q_SLOTS:
     {
         start(u"rent-receipt");
         QTest::keyClicks(shown<FieldsPane>()->findChild<QLineEdit *>(), u"7"_s);
-        auto *list = qobject_cast<QListWidget *>(focus("Screens"));
+        auto *list = named<QListWidget>(u"Screens"_s);
         m_desktop->answers = {cancel};
-        const QRect row = list->visualItemRect(list->item(1));
+        const QRect row = list->visualItemRect(list->item(2));
         QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, row.center());
         QTRY_COMPARE(m_desktop->questions.size(), 1);
         QTest::qWait(0);
         QCOMPARE(m_desktop->questions.size(), 1); // asked once
-        QCOMPARE(list->currentRow(), 0);
+        QCOMPARE(list->currentRow(), 1);
         QVERIFY(m_model->editing());
         m_desktop->answers = {dontSave};
         QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, row.center());
@@ -252,13 +229,11 @@ private Q_SLOTS:
         press(Qt::Key_5, Qt::ControlModifier);
         QCOMPARE(focused()->accessibleName(), u"Full legal name"_s);
         press(Qt::Key_Backtab);
-        QCOMPARE(focused(), focus("Search forms and templates"));
+        QCOMPARE(focused(), named(u"Search forms and templates"_s));
         QTest::keyClicks(focused(), u"small claims"_s);
         press(Qt::Key_Tab);
-        QCOMPARE(qobject_cast<QPushButton *>(focused())->text(), u"Official page"_s);
         for (int i = 0; i < 100 && focused() != button(u"Disclaimer"_s); ++i) {
-            QVERIFY(focused()->accessibleName().startsWith(u"Official page "_s) ||
-                    focused()->accessibleName().startsWith(u"Show "_s));
+            QVERIFY(focused()->accessibleName().startsWith(u"Show "_s));
             press(Qt::Key_Tab);
         }
         QCOMPARE(focused(), button(u"Disclaimer"_s));
@@ -267,9 +242,9 @@ private Q_SLOTS:
     void theSidebarLeadsBackFromTheEditor()
     {
         start(u"rent-receipt");
-        auto *list = qobject_cast<QListWidget *>(focus("Screens"));
+        auto *list = named<QListWidget>(u"Screens"_s);
         QTest::mouseClick(list->viewport(), Qt::LeftButton, {},
-                          list->visualItemRect(list->item(0)).center());
+                          list->visualItemRect(list->item(1)).center());
         QTRY_VERIFY(!m_model->editing());
     }
 
@@ -287,43 +262,17 @@ private Q_SLOTS:
                 }
             });
             look.start(1);
-            openWindow();
+            QVERIFY(openWindow());
             QTRY_VERIFY(shownAtStart);
         }
         QVERIFY(QSPrefs::disclaimerAccepted());
     }
 
 private:
-    void openWindow()
-    {
-        m_window.reset();
-        m_model = std::make_unique<AppModel>(*m_desktop);
-        m_window = std::make_unique<MainWindow>(*m_model);
-        m_window->show();
-        QVERIFY(QTest::qWaitForWindowExposed(m_window.get()));
-    }
-
-    void restart()
-    {
-        m_window.reset();
-        m_model.reset();
-        QSStore::setShared(nullptr);
-        QSStore::setShared(std::make_unique<QSStore>(QSInfo::databaseURL()));
-        openWindow();
-        QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
-    }
-
     void start(QStringView templateID)
     {
         m_model->newDocument(*QSTemplates::templateById(templateID));
         QCoreApplication::processEvents();
-    }
-
-    static QWidget *focused() { return QApplication::focusWidget(); }
-
-    void press(Qt::Key key, Qt::KeyboardModifiers modifiers = {}) const
-    {
-        QTest::keyClick(focused() ? focused() : m_window.get(), key, modifiers);
     }
 
     /// Types something fitting into the field that has the keyboard.
@@ -344,60 +293,11 @@ private:
         }
     }
 
-    [[nodiscard]] QWidget *focus(const char *accessibleName) const
-    {
-        for (QWidget *widget : m_window->findChildren<QWidget *>()) {
-            if (widget->accessibleName() == QLatin1StringView(accessibleName)) {
-                return widget;
-            }
-        }
-        qFatal("no %s", accessibleName);
-    }
-
-    /// The one visible widget of a class.
-    template <typename Widget>
-    [[nodiscard]] Widget *shown() const
-    {
-        for (Widget *widget : m_window->findChildren<Widget *>()) {
-            if (widget->isVisible()) {
-                return widget;
-            }
-        }
-        return nullptr;
-    }
-
-    [[nodiscard]] QPushButton *button(const QString &text) const
-    {
-        for (QPushButton *each : m_window->findChildren<QPushButton *>()) {
-            if (each->text() == text && each->isVisible()) {
-                return each;
-            }
-        }
-        qFatal("no button %s", qPrintable(text));
-    }
-
-    /// What the visible labels say.
-    [[nodiscard]] QStringList texts() const
-    {
-        QStringList found;
-        for (const QLabel *label : m_window->findChildren<QLabel *>()) {
-            if (label->isVisible()) {
-                found.append(label->text());
-            }
-        }
-        return found;
-    }
-
     [[nodiscard]] QString shownMessage() const
     {
         return texts().contains(m_model->message().value_or(QString())) ? *m_model->message()
                                                                         : QString();
     }
-
-    std::unique_ptr<ScratchUser> m_user;
-    std::unique_ptr<FakeDesktop> m_desktop;
-    std::unique_ptr<AppModel> m_model;
-    std::unique_ptr<MainWindow> m_window;
 };
 
 QTEST_MAIN(TestMainWindow)

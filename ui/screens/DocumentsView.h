@@ -1,16 +1,17 @@
 #pragma once
 
 #include "DocumentsModel.h"
+#include "FilledPDFsModel.h"
 
 #include <QWidget>
 
 class AppModel;
-class QLabel;
-class QPushButton;
-class QTableView;
+class QVBoxLayout;
+class RecordList;
 
-/// My Documents: the saved documents and what can be done with the selected one. The list is read
-/// from the store when it is shown, and again after each change while it is.
+/// My Documents: the saved documents, the filled copies of official forms, and what can be done
+/// with the selected one of each. The lists are read from the store when they are shown, and again
+/// after each change while they are.
 class DocumentsView final : public QWidget
 {
     Q_OBJECT
@@ -22,22 +23,14 @@ protected:
     void showEvent(QShowEvent *event) override;
 
 private:
-    void createTable();
-    [[nodiscard]] QWidget *createButtons();
-    void connectActions();
+    void connectDocuments();
+    void connectFilledPDFs();
     void reload();
-    void enableButtons();
-    /// The selected document; null when none is.
-    [[nodiscard]] const QSDocument *selected() const;
-    void openSelected();
-    void deleteSelected();
 
     AppModel &m_model;
     DocumentsModel m_documents;
-    QTableView *m_table;
-    QLabel *m_empty;
-    QPushButton *m_open = nullptr;
-    QPushButton *m_export = nullptr;
-    QPushButton *m_print = nullptr;
-    QPushButton *m_delete = nullptr;
+    FilledPDFsModel m_filledPDFs;
+    RecordList *m_documentList;
+    RecordList *m_filledList;
+    QVBoxLayout *m_column;
 };

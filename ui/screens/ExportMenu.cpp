@@ -4,6 +4,26 @@
 #include <QMenu>
 #include <QPushButton>
 
+#include <array>
+#include <utility>
+
+namespace {
+using FormExport = AppModel::FormExport;
+
+constexpr std::array formExports = {
+    std::pair<FormExport, QStringView>{FormExport::flattened, u"Flattened PDF (fields burned in)"},
+    std::pair<FormExport, QStringView>{FormExport::editable, u"PDF with fields (still editable)"},
+};
+
+QMenu *attachMenu(QPushButton *button)
+{
+    auto *menu = new QMenu(button);
+    button->setMenu(menu);
+    button->setProperty("menu", true);
+    return menu;
+}
+} // namespace
+
 namespace ExportMenu {
 void fill(QMenu *menu, QObject *context, const std::function<void(QSExport::Format)> &chosen)
 {
@@ -17,9 +37,16 @@ void fill(QMenu *menu, QObject *context, const std::function<void(QSExport::Form
 void attach(QPushButton *button, QObject *context,
             const std::function<void(QSExport::Format)> &chosen)
 {
-    auto *menu = new QMenu(button);
-    fill(menu, context, chosen);
-    button->setMenu(menu);
-    button->setProperty("menu", true);
+    fill(attachMenu(button), context, chosen);
+}
+
+void attachForForm(QPushButton *button, QObject *context,
+                   const std::function<void(AppModel::FormExport)> &chosen)
+{
+    QMenu *menu = attachMenu(button);
+    for (const auto &[how, label] : formExports) {
+        QObject::connect(menu->addAction(label.toString()), &QAction::triggered, context,
+                         [how = how, chosen] { chosen(how); });
+    }
 }
 } // namespace ExportMenu

@@ -41,7 +41,7 @@ public:
           m_title(VxText::make({}, VxText::Role::heading, this)),
           m_kind(VxText::make({}, VxText::Role::note, this)),
           m_snippet(VxText::make({}, VxText::Role::body, this)),
-          m_button(new QPushButton(this))
+          m_button(new QPushButton(u"Show"_s, this))
     {
         auto *texts = new QVBoxLayout;
         texts->addWidget(m_title);
@@ -62,7 +62,6 @@ public:
         m_title->setText(hit.title);
         m_kind->setText(kind);
         m_snippet->setText(hit.snippet.simplified());
-        m_button->setText(hit.kind == QSSearchHit::Kind::form ? u"Official page"_s : u"Show"_s);
         m_button->setAccessibleName(u"%1 %2, %3"_s.arg(m_button->text(), hit.title, kind));
     }
 

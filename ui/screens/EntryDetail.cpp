@@ -1,0 +1,279 @@
+#include "EntryDetail.h"
+
+#include "AppModel.h"
+#include "EntryLook.h"
+#include "QSDate.h"
+#include "QSDirectory.h"
+#include "VxButton.h"
+#include "VxFlow.h"
+#include "VxPanel.h"
+#include "VxText.h"
+
+#include <QAbstractTextDocumentLayout>
+#include <QFormLayout>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLocale>
+#include <QPushButton>
+#include <QScrollBar>
+#include <QTextEdit>
+#include <QToolButton>
+#include <QVBoxLayout>
+#include <QWheelEvent>
+#include <QtMath>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+const QLocale american(QLocale::English, QLocale::UnitedStates);
+
+/// What few people ask for, a line each.
+QString details(const QSEntry &entry, const std::optional<QSCacheMeta> &copy)
+{
+    QStringList lines;
+    const auto add = [&lines](const QString &label, const QString &value) {
+        if (!value.isEmpty()) {
+            lines.append(label + u": "_s + value);
+        }
+    };
+    add(u"Official link"_s, entry.url);
+    add(u"Information page"_s, entry.info);
+    if (copy) {
+        add(u"Downloaded from"_s, copy->finalURL);
+        add(u"Last checked with the site"_s, QSDate::stamp(copy->lastCheckedAt));
+        add(u"Size"_s, u"%1 bytes"_s.arg(american.toString(copy->bytes)));
+        add(u"Content type"_s, copy->contentType);
+        add(u"SHA-256"_s, copy->sha256);
+    }
+    return lines.join(u'\n');
+}
+
+std::optional<QSCacheMeta> savedCopy(const QSEntry &entry)
+{
+    return !EntryLook::opensInBrowser(entry) && QSCache::hasCopy(entry) ? QSCache::meta(entry.id)
+                                                                        : std::nullopt;
+}
+
+/// A text to read and to copy from, as tall as it is: the pane around it scrolls.
+class TallText final : public QTextEdit
+{
+public:
+    explicit TallText(QWidget *parent) : QTextEdit(parent)
+    {
+        setReadOnly(true);
+        setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+        setTabChangesFocus(true);
+        setWordWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+        setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+        connect(document()->documentLayout(), &QAbstractTextDocumentLayout::documentSizeChanged,
+                this, [this](const QSizeF &size) {
+                    setFixedHeight(qCeil(size.height()) + fontMetrics().height());
+                });
+    }
+
+protected:
+    void wheelEvent(QWheelEvent *event) override { event->ignore(); }
+};
+} // namespace
+
+EntryDetail::EntryDetail(AppModel &model, QWidget *parent)
+    : QScrollArea(parent),
+      m_model(model),
+      m_hint(VxText::make(u"Choose a form on the left."_s, VxText::Role::heading, this))
+{
+    auto *panel = new VxPanel(this);
+    m_content = createContent(panel);
+    panel->column()->addWidget(m_hint);
+    panel->column()->addWidget(m_content);
+    panel->column()->addStretch();
+    setWidget(panel);
+    setWidgetResizable(true);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setMinimumWidth(fontMetrics().height() * 18);
+    setAccessibleName(u"The selected form"_s);
+    connectActions();
+    display(nullptr);
+}
+
+QWidget *EntryDetail::createContent(QWidget *parent)
+{
+    auto *content = new QWidget(parent);
+    auto *column = new QVBoxLayout(content);
+    column->setContentsMargins({});
+    column->setSpacing(fontMetrics().height() / 2);
+    const auto add = [content, column](VxText::Role role, const QString &text = {}) {
+        QLabel *label = VxText::make(text, role, content);
+        column->addWidget(label);
+        return label;
+    };
+    m_title = add(VxText::Role::title);
+    m_agency = add(VxText::Role::note);
+    m_kind = addLine(column);
+    m_status = addLine(column);
+    m_note = add(VxText::Role::body);
+    createButtons(column);
+    m_officeHeading = add(VxText::Role::heading, u"Filed with"_s);
+    m_office = add(VxText::Role::body);
+    createFacts(column);
+    createMore(column);
+    return content;
+}
+
+EntryDetail::Line EntryDetail::addLine(QVBoxLayout *column)
+{
+    auto *row = new QHBoxLayout;
+    column->addLayout(row);
+    const Line line{new QLabel(this), VxText::make({}, VxText::Role::body, this)};
+    row->addWidget(line.icon, 0, Qt::AlignTop);
+    row->addWidget(line.text, 1);
+    return line;
+}
+
+void EntryDetail::createButtons(QVBoxLayout *column)
+{
+    auto *flow = new VxFlow;
+    flow->setSpacing(fontMetrics().height() / 2);
+    column->addLayout(flow);
+    m_main = new QPushButton(this);
+    m_main->setProperty("primary", true);
+    m_page = VxButton::make(u"Official page"_s, u"safari.fill"_s, this);
+    m_recheck = VxButton::make(u"Check for a newer version now"_s, u"arrow.clockwise"_s, this);
+    m_showCopy = VxButton::make(u"Show saved copy in Finder"_s, u"folder.fill"_s, this);
+    for (QPushButton *button : {m_main, m_page, m_recheck, m_showCopy}) {
+        flow->addWidget(button);
+    }
+}
+
+void EntryDetail::createFacts(QVBoxLayout *column)
+{
+    m_facts = new QFormLayout;
+    m_facts->setHorizontalSpacing(fontMetrics().height());
+    column->addLayout(m_facts);
+    const auto add = [this](const QString &name) {
+        QLabel *fact = VxText::make({}, VxText::Role::body, this);
+        fact->setTextInteractionFlags(Qt::TextSelectableByMouse);
+        QLabel *label = VxText::make(name, VxText::Role::note, this);
+        label->setWordWrap(false);
+        label->setBuddy(fact);
+        m_facts->addRow(label, fact);
+        return fact;
+    };
+    m_number = add(u"Form number"_s);
+    m_revision = add(u"Revision / date"_s);
+    m_downloaded = add(u"Downloaded"_s);
+    m_copy = add(u"Saved copy"_s);
+}
+
+void EntryDetail::createMore(QVBoxLayout *column)
+{
+    m_more = new QToolButton(this);
+    m_more->setText(u"More details"_s);
+    m_more->setCheckable(true);
+    m_more->setProperty("button", true);
+    m_more->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+    m_more->setArrowType(Qt::RightArrow);
+    m_more->setFocusPolicy(Qt::StrongFocus);
+    column->addWidget(m_more);
+
+    m_details = new TallText(this);
+    m_details->setAccessibleName(m_more->text());
+    m_details->hide();
+    column->addWidget(m_details);
+}
+
+void EntryDetail::connectActions()
+{
+    connect(m_main, &QPushButton::clicked, this, [this] {
+        const QSEntry entry = *m_entry;
+        if (!EntryLook::opensInBrowser(entry)) {
+            m_opening = entry.id;
+        }
+        m_model.open(entry);
+        enableButtons();
+    });
+    connect(m_page, &QPushButton::clicked, this, [this] { m_model.openOfficialPage(*m_entry); });
+    connect(m_recheck, &QPushButton::clicked, this, [this] { m_model.recheck(*m_entry); });
+    connect(m_showCopy, &QPushButton::clicked, this, [this] { m_model.showSavedCopy(*m_entry); });
+    connect(m_more, &QToolButton::toggled, this, [this](bool open) {
+        m_more->setArrowType(open ? Qt::DownArrow : Qt::RightArrow);
+        m_details->setVisible(open);
+    });
+    connect(&m_model, &AppModel::busyChanged, this, &EntryDetail::enableButtons);
+}
+
+void EntryDetail::display(const QSEntry *entry)
+{
+    if (!entry || !m_entry || entry->id != m_entry->id) {
+        verticalScrollBar()->setValue(0);
+    }
+    m_entry = entry ? std::optional(*entry) : std::nullopt;
+    m_hint->setVisible(!entry);
+    m_content->setVisible(entry);
+    if (!entry) {
+        return;
+    }
+    const int em = fontMetrics().height();
+    const QSStatus::S status = m_model.linkStatus(*entry);
+    m_title->setText(entry->displayTitle());
+    m_agency->setText(entry->agency);
+    m_kind.icon->setPixmap(EntryLook::kindIcon(*entry).pixmap(em, em));
+    m_kind.text->setText(EntryLook::kind(*entry));
+    m_status.icon->setPixmap(EntryLook::statusIcon(status).pixmap(em, em));
+    m_status.text->setText(status.text);
+    m_note->setText(entry->note);
+    m_note->setVisible(!entry->note.isEmpty());
+    m_main->setText(EntryLook::buttonText(EntryLook::mainAction(*entry)));
+    const QSJurisdiction *place = QSDirectory::shared().jurisdiction(entry->j);
+    const std::optional<QString> office = place ? place->office(entry->cat) : std::nullopt;
+    m_office->setText(office.value_or(QString()));
+    m_officeHeading->setVisible(office.has_value());
+    m_office->setVisible(office.has_value());
+    displayFacts(savedCopy(*entry));
+    enableButtons();
+}
+
+void EntryDetail::displayFacts(const std::optional<QSCacheMeta> &copy)
+{
+    m_hasCopy = copy.has_value();
+    setFact(m_number, m_entry->number);
+    setFact(m_revision, m_entry->rev);
+    const bool downloads = !EntryLook::opensInBrowser(*m_entry);
+    setFact(m_downloaded, !downloads ? QString()
+                          : copy     ? QSDate::stamp(copy->downloadedAt)
+                                     : u"Not downloaded yet"_s);
+    setFact(m_copy,
+            !downloads ? QString()
+            : copy ? american.formattedDataSize(copy->bytes, 1, QLocale::DataSizeTraditionalFormat)
+                   : u"None"_s);
+    m_recheck->setVisible(downloads);
+    m_showCopy->setVisible(downloads);
+    const QString more = details(*m_entry, copy);
+    if (m_details->toPlainText() != more) { // what is selected in it stays
+        m_details->setPlainText(more);
+    }
+}
+
+void EntryDetail::setFact(QLabel *fact, const QString &value)
+{
+    fact->setText(value);
+    m_facts->setRowVisible(fact, !value.isEmpty());
+}
+
+void EntryDetail::enableButtons()
+{
+    const bool busy = m_model.busy().has_value();
+    if (!busy) {
+        m_opening.clear();
+    }
+    // another form may be asked for instead; the same one would only begin its way again
+    m_main->setEnabled(m_entry && m_entry->id != m_opening);
+    m_recheck->setEnabled(m_hasCopy && !busy);
+    m_showCopy->setEnabled(m_hasCopy);
+}
+
+void EntryDetail::act()
+{
+    if (m_entry) {
+        m_main->click();
+    }
+}

@@ -1,0 +1,75 @@
+#pragma once
+
+#include "QSEntry.h"
+
+#include <QScrollArea>
+
+#include <optional>
+
+class AppModel;
+class QFormLayout;
+class QLabel;
+class QPushButton;
+class QTextEdit;
+class QToolButton;
+class QVBoxLayout;
+struct QSCacheMeta;
+
+/// One official form: what it is, how its link stands, where it is filed, what is known about the
+/// saved copy, and what can be done with it.
+class EntryDetail final : public QScrollArea
+{
+    Q_OBJECT
+
+public:
+    explicit EntryDetail(AppModel &model, QWidget *parent = nullptr);
+
+    /// Shows an entry as it stands now; for null, what to do to see one.
+    void display(const QSEntry *entry);
+    /// Does what the main button does, if that is enabled.
+    void act();
+
+private:
+    /// A text with an icon before it.
+    struct Line
+    {
+        QLabel *icon;
+        QLabel *text;
+    };
+
+    [[nodiscard]] QWidget *createContent(QWidget *parent);
+    [[nodiscard]] Line addLine(QVBoxLayout *column);
+    void createButtons(QVBoxLayout *column);
+    void createFacts(QVBoxLayout *column);
+    void createMore(QVBoxLayout *column);
+    void connectActions();
+    void displayFacts(const std::optional<QSCacheMeta> &copy);
+    void setFact(QLabel *fact, const QString &value);
+    void enableButtons();
+
+    AppModel &m_model;
+    std::optional<QSEntry> m_entry;
+    QString m_opening; ///< id of the form on its way, while the model is busy with it
+    bool m_hasCopy = false;
+
+    QLabel *m_hint;
+    QWidget *m_content;
+    QLabel *m_title = nullptr;
+    QLabel *m_agency = nullptr;
+    Line m_kind{};
+    Line m_status{};
+    QLabel *m_note = nullptr;
+    QPushButton *m_main = nullptr;
+    QPushButton *m_page = nullptr;
+    QPushButton *m_recheck = nullptr;
+    QPushButton *m_showCopy = nullptr;
+    QLabel *m_officeHeading = nullptr;
+    QLabel *m_office = nullptr;
+    QFormLayout *m_facts = nullptr;
+    QLabel *m_number = nullptr;
+    QLabel *m_revision = nullptr;
+    QLabel *m_downloaded = nullptr;
+    QLabel *m_copy = nullptr;
+    QToolButton *m_more = nullptr;
+    QTextEdit *m_details = nullptr;
+};

@@ -1,0 +1,23 @@
+#pragma once
+
+#include "QSStatus.h"
+
+#include <QIcon>
+#include <QString>
+
+struct QSEntry;
+
+/// How an entry of the directory is worded and marked wherever it is shown.
+namespace EntryLook {
+/// True for what opens in the browser and has no copy here.
+[[nodiscard]] bool opensInBrowser(const QSEntry &entry);
+/// What the button that opens it says, with "&" for a plain ampersand.
+[[nodiscard]] QString mainAction(const QSEntry &entry);
+/// "Official PDF · print and fill by hand"
+[[nodiscard]] QString kind(const QSEntry &entry);
+[[nodiscard]] QIcon kindIcon(const QSEntry &entry);
+/// The status's own shape; what needs attention has a colour besides.
+[[nodiscard]] QIcon statusIcon(const QSStatus::S &status);
+/// A button's text that shows its ampersands instead of underlining what follows them.
+[[nodiscard]] QString buttonText(const QString &text);
+} // namespace EntryLook
