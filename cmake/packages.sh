@@ -13,6 +13,9 @@ packages_run=(
 packages_test=(
   poppler-utils qpdf sqlite3 unzip openssl
 )
+packages_bench=(
+  poppler-utils qpdf pdftk-java curl openssl
+)
 packages_tidy=(git clang clang-format clang-tidy)
 packages_fuzz=(clang libclang-rt-14-dev)
 
