@@ -39,7 +39,7 @@ AppModel::AppModel(QSDesktop &desktop, QObject *parent)
 
 AppModel::~AppModel()
 {
-    m_fetch.request_stop();
+    m_opening.request_stop();
     m_check.request_stop();
     m_closing.request_stop();
 }
@@ -297,22 +297,34 @@ std::optional<QSRendered> AppModel::renderOrTell(const QSDocument &document)
 void AppModel::exportDocument(const QSDocument &document, QSExport::Format format)
 {
     const std::optional<QSRendered> rendered = renderOrTell(document);
-    if (!rendered || m_busy) {
+    if (!rendered) {
         return;
     }
     const QSExport::FormatInfo &info = QSExport::info(format);
-    const QString name = QSExport::safeFileName(document.title) + u'.' + info.extension.toString();
-    runBusy<QByteArray>(
-        u"Making \"%1\"\u2026"_s.arg(name),
+    exportFile(
+        QSExport::safeFileName(document.title) + u'.' + info.extension.toString(),
         [rendered = *rendered, format] { return QSExport::data(rendered, format); },
-        [this, name](const AsyncTask::Outcome<QByteArray> &made) {
-            if (made.result) {
-                whenNothingIsAsked([=, this] { saveFile(*made.result, name); });
-            } else {
-                qWarning("%s", made.error->what());
-                setMessage(cannotExport);
-            }
-        });
+        [](const QSError &) { return cannotExport; });
+}
+
+void AppModel::exportFile(const QString &name, const std::function<QByteArray()> &make,
+                          const std::function<QString(const QSError &)> &failure)
+{
+    if (m_exporting) {
+        setMessage(u"Another file is still being made. Try again when it is done."_s);
+        return;
+    }
+    m_exporting = true;
+    runBusy<QByteArray>(u"Making \"%1\"\u2026"_s.arg(name), make,
+                        [this, name, failure](const AsyncTask::Outcome<QByteArray> &made) {
+                            m_exporting = false;
+                            if (made.result) {
+                                whenNothingIsAsked([=, this] { saveFile(*made.result, name); });
+                            } else {
+                                qWarning("%s", made.error->what());
+                                setMessage(failure(*made.error));
+                            }
+                        });
 }
 
 void AppModel::whenNothingIsAsked(const std::function<void()> &action)
@@ -327,6 +339,7 @@ void AppModel::whenNothingIsAsked(const std::function<void()> &action)
 
 void AppModel::saveFile(const QByteArray &data, const QString &suggestedName)
 {
+    const QScopedValueRollback asking(m_asking, true);
     const std::optional<QString> path = m_desktop.chooseSavePath(suggestedName);
     if (!path) {
         return;
@@ -343,6 +356,7 @@ void AppModel::saveFile(const QByteArray &data, const QString &suggestedName)
 void AppModel::print(const QSDocument &document)
 {
     if (const std::optional<QSRendered> rendered = renderOrTell(document)) {
+        const QScopedValueRollback asking(m_asking, true);
         try {
             m_desktop.print(*rendered);
         } catch (const QSError &error) {
@@ -406,17 +420,9 @@ QList<QSSearchHit> AppModel::hits()
 void AppModel::openHit(const QSSearchHit &hit)
 {
     switch (hit.kind) {
-    case QSSearchHit::Kind::document: {
-        std::optional<QSDocument> document;
-        if (withStore([&](QSStore &open) { document = open.document(hit.ref.toLongLong()); })) {
-            if (document) {
-                edit(*document);
-            } else {
-                setMessage(QSError::notFound().description());
-            }
-        }
+    case QSSearchHit::Kind::document:
+        openDocument(hit.ref.toLongLong());
         break;
-    }
     case QSSearchHit::Kind::template_:
         if (show(Screen::templates)) {
             selectTemplate(hit.ref);
@@ -425,6 +431,20 @@ void AppModel::openHit(const QSSearchHit &hit)
     case QSSearchHit::Kind::form:
         showEntry(hit.ref);
         break;
+    }
+}
+
+void AppModel::openDocument(qint64 id)
+{
+    // read only now that the editor is closed: it may have been this one, saved on closing
+    std::optional<QSDocument> document;
+    if (!closeEditor() || !withStore([&](QSStore &open) { document = open.document(id); })) {
+        return;
+    }
+    if (document) {
+        openSession(*document);
+    } else {
+        setMessage(QSError::notFound().description());
     }
 }
 

@@ -93,7 +93,7 @@ public:
     /// Deletes after asking.
     void deleteDocument(const QSDocument &document);
     /// Makes the file in the background, then asks where to put it. One at a time: while one is
-    /// being made, another call does nothing.
+    /// being made, another is refused with a message.
     void exportDocument(const QSDocument &document, QSExport::Format format);
     void print(const QSDocument &document);
     /// The filled template under the document's name; absent when this version of the program lacks
@@ -212,23 +212,28 @@ private:
     template <typename Result>
     void runBusy(const QString &text, std::function<Result()> work,
                  std::function<void(const AsyncTask::Outcome<Result> &)> done);
-    /// Puts an action off until no question stands open.
+    /// Puts an action off until no question or panel stands open.
     void whenNothingIsAsked(const std::function<void()> &action);
     void dropEdited();
     /// Shows an entry on the forms screen.
     void showEntry(const QString &id);
+    /// What was asked for before is not to be shown any more; the token says so of this one.
+    [[nodiscard]] std::stop_token startOpening();
     void openSession(const OpenPDF &form);
     void dropForm();
     void openCopy(const QSEntry &entry, const QSCache::Result &copy,
                   const std::shared_ptr<QSPDFDocument> &document, const QString &problem);
     void linksChecked(const QList<QSLinkChecker::Check> &checks);
-    /// Makes the file in the background, then asks where to put it.
+    /// Makes a file in the background, then asks where to put it; the message when it can't be
+    /// made.
+    void exportFile(const QString &name, const std::function<QByteArray()> &make,
+                    const std::function<QString(const QSError &)> &failure);
     void exportPDF(const std::shared_ptr<QSPDFDocument> &document, const QString &title,
                    FormExport how);
     /// Opens a filled copy's file in the background; the message when that fails.
     void loadFilledPDF(const QSFilledPDF &record,
                        const std::function<void(const std::shared_ptr<QSPDFDocument> &)> &loaded);
-    void printPDF(const QSPDFDocument &document, const QString &title);
+    void printPDF(const std::shared_ptr<QSPDFDocument> &document, const QString &title);
     void copiesChanged();
     [[nodiscard]] std::optional<QMap<QString, QString>> savedProfile();
     /// Asks where to put a file and writes it whole or not at all.
@@ -236,6 +241,7 @@ private:
     /// The rendered document, or the message that there is none.
     std::optional<QSRendered> renderOrTell(const QSDocument &document);
     void openSession(const QSDocument &document);
+    void openDocument(qint64 id);
 
     QSDesktop &m_desktop;
     Screen m_screen = Screen::templates;
@@ -245,7 +251,8 @@ private:
     std::optional<QString> m_message;
     std::optional<QString> m_busy;
     bool m_showDisclaimer;
-    bool m_asking = false; ///< a question of ours stands open
+    bool m_asking = false;    ///< a question or panel of ours stands open
+    bool m_exporting = false; ///< a file is being made
     std::optional<DocumentSession> m_editing;
     std::optional<FormSession> m_openPDF;
     std::optional<QSCategory> m_formCategory;
@@ -253,7 +260,7 @@ private:
     std::optional<Checking> m_checking;
     std::optional<QMap<QString, QSLinkCheck>> m_linkChecks; ///< by URL; absent when out of date
     int m_busyWork = 0;         ///< number of the work whose text is shown
-    std::stop_source m_fetch;   ///< ends the download that runs
+    std::stop_source m_opening; ///< ends what was last asked to be shown in the form window
     std::stop_source m_check;   ///< ends the check of links that runs
     std::stop_source m_closing; ///< ends whatever else runs on the network
     std::optional<QMap<QString, QString>> m_profileEdits;

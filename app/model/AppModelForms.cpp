@@ -95,13 +95,12 @@ void AppModel::open(const QSEntry &entry)
     if (!closeForm()) {
         return;
     }
-    m_fetch.request_stop();
-    m_fetch = std::stop_source();
+    const std::stop_token stop = startOpening();
     runBusy<Fetched>(
         u"Getting %1 from the official site\u2026"_s.arg(entry.displayTitle()),
-        [entry, stop = m_fetch.get_token()] { return fetchForm(entry, stop); },
-        [this, entry, stop = m_fetch.get_token()](const AsyncTask::Outcome<Fetched> &form) {
-            if (stop.stop_requested()) { // another form was asked for meanwhile
+        [entry, stop] { return fetchForm(entry, stop); },
+        [this, entry, stop](const AsyncTask::Outcome<Fetched> &form) {
+            if (stop.stop_requested()) {
                 return;
             }
             if (form.error) {
@@ -110,9 +109,18 @@ void AppModel::open(const QSEntry &entry)
             }
             copiesChanged();
             whenNothingIsAsked([=, this] {
-                openCopy(entry, form.result->copy, form.result->document, form.result->problem);
+                if (!stop.stop_requested()) {
+                    openCopy(entry, form.result->copy, form.result->document, form.result->problem);
+                }
             });
         });
+}
+
+std::stop_token AppModel::startOpening()
+{
+    m_opening.request_stop();
+    m_opening = std::stop_source();
+    return m_opening.get_token();
 }
 
 void AppModel::openCopy(const QSEntry &entry, const QSCache::Result &copy,
@@ -125,7 +133,7 @@ void AppModel::openCopy(const QSEntry &entry, const QSCache::Result &copy,
                      .saved = {},
                      .status = copy.message});
     } else if (entry.kind == QSKind::pdf) {
-        setMessage(problem);
+        setMessage(u"The downloaded file could not be opened as a PDF. "_s + problem);
     } else if (m_desktop.openFile(copy.file)) {
         setMessage(copy.message);
     } else {
@@ -275,6 +283,7 @@ void AppModel::openSession(const OpenPDF &form)
 
 void AppModel::openPractice()
 {
+    (void)startOpening();
     try {
         openSession({.entry = {},
                      .title = u"Vell Practice Form"_s,
@@ -310,8 +319,11 @@ void AppModel::openSaved(const QSFilledPDF &record)
         Q_EMIT openPDFWanted();
         return;
     }
-    m_fetch.request_stop(); // a form that is still on its way must not replace this one
-    loadFilledPDF(record, [this, record](const std::shared_ptr<QSPDFDocument> &document) {
+    loadFilledPDF(record, [this, record,
+                           stop = startOpening()](const std::shared_ptr<QSPDFDocument> &document) {
+        if (stop.stop_requested()) {
+            return;
+        }
         const QSEntry *entry = QSDirectory::shared().entry(record.entryID);
         openSession({.entry = entry ? std::optional(*entry) : std::nullopt,
                      .title = record.title,
@@ -370,36 +382,27 @@ void AppModel::exportForm(FormExport how)
 void AppModel::exportPDF(const std::shared_ptr<QSPDFDocument> &document, const QString &title,
                          FormExport how)
 {
-    if (m_busy) {
-        return;
-    }
-    const QString name = QSExport::safeFileName(title) + u".pdf"_s;
-    runBusy<QByteArray>(
-        u"Making \"%1\"\u2026"_s.arg(name),
+    exportFile(
+        QSExport::safeFileName(title) + u".pdf"_s,
         [document, how] {
             return how == FormExport::flattened ? QSPDF::flatten(*document) : document->bytes();
         },
-        [this, name](const AsyncTask::Outcome<QByteArray> &made) {
-            if (made.result) {
-                whenNothingIsAsked([=, this] { saveFile(*made.result, name); });
-            } else {
-                setMessage(made.error->description());
-            }
-        });
+        &QSError::description);
 }
 
 void AppModel::printForm()
 {
     Q_EMIT editsWanted();
     if (m_openPDF) {
-        printPDF(m_openPDF->document(), m_openPDF->form().title);
+        printPDF(m_openPDF->form().document, m_openPDF->form().title);
     }
 }
 
-void AppModel::printPDF(const QSPDFDocument &document, const QString &title)
+void AppModel::printPDF(const std::shared_ptr<QSPDFDocument> &document, const QString &title)
 {
+    const QScopedValueRollback asking(m_asking, true);
     try {
-        m_desktop.printPDF(document, title);
+        m_desktop.printPDF(*document, title);
     } catch (const QSError &error) {
         setMessage(error.description());
     }
@@ -438,8 +441,11 @@ std::optional<QList<QSFilledPDF>> AppModel::filledPDFs()
 
 void AppModel::deleteFilledPDF(const QSFilledPDF &record)
 {
-    if (askToDelete(record.title)) {
-        withStore([&record](QSStore &open) { open.deleteFilledPDF(record); });
+    if (askToDelete(record.title) &&
+        withStore([&record](QSStore &open) { open.deleteFilledPDF(record); }) && m_openPDF &&
+        m_openPDF->form().saved && m_openPDF->form().saved->id == record.id) {
+        m_openPDF->forgetSaved();
+        Q_EMIT formChanged();
     }
 }
 
@@ -453,6 +459,6 @@ void AppModel::exportFilledPDF(const QSFilledPDF &record, FormExport how)
 void AppModel::printFilledPDF(const QSFilledPDF &record)
 {
     loadFilledPDF(record, [=, this](const std::shared_ptr<QSPDFDocument> &document) {
-        printPDF(*document, record.title);
+        printPDF(document, record.title);
     });
 }

@@ -29,6 +29,12 @@ void FormSession::saved(const QSFilledPDF &record, const QList<FormValue> &value
     m_clean = values;
 }
 
+void FormSession::forgetSaved()
+{
+    m_form.saved.reset();
+    m_clean.clear();
+}
+
 bool FormSession::hasUnsavedChanges() const
 {
     return m_form.document->values() != m_clean;

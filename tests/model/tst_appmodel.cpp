@@ -328,6 +328,10 @@ private Q_SLOTS:
         m_model->openHit(hit);
         QCOMPARE(m_model->editing()->document().id, document.id);
         QCOMPARE(m_model->search(), QString());
+        m_model->setEditedValue(u"tenant_name"_s, u"Rosa"_s);
+        m_desktop->answers = {0}; // "Save"
+        m_model->openHit(hit);    // the very document in the editor
+        QCOMPARE(m_model->editing()->document().values.value(u"tenant_name"_s), u"Rosa"_s);
 
         m_model->openHit({QSSearchHit::Kind::template_, u"affidavit"_s, {}, {}});
         QCOMPARE(m_model->screen(), Screen::templates);

@@ -121,6 +121,14 @@ private Q_SLOTS:
         QTest::qWait(500); // the first one's answer would have come by now
         QCOMPARE(m_model->openPDF()->form().entry->id, ss4().id);
 
+        m_agencies->answer(w9().url, {slow, Answer::pdf(m_form)});
+        m_model->open(w9());
+        m_model->openPractice();
+        QTest::qWait(500);
+        QCOMPARE(m_model->openPDF()->form().title, u"Vell Practice Form"_s);
+
+        m_model->open(ss4());
+        QTRY_VERIFY(m_model->openPDF());
         QSignalSpy wanted(m_model.get(), &AppModel::openPDFWanted);
         const QUuid opening = m_model->openPDF()->form().id;
         m_model->open(ss4()); // the window that has it comes to the front
@@ -166,7 +174,7 @@ private Q_SLOTS:
         m_desktop->answers = {1}; // "Delete"
         m_model->deleteFilledPDF(m_model->filledPDFs()->constFirst());
         QVERIFY(m_model->filledPDFs()->isEmpty());
-        type(u"phone"_s, u"719"_s);
+        QVERIFY(m_model->openPDF()->hasUnsavedChanges());
         QVERIFY(m_model->saveForm());
         QCOMPARE(m_model->filledPDFs()->size(), 1);
         QVERIFY(m_model->saveForm());
@@ -200,22 +208,31 @@ private Q_SLOTS:
     void bothExportsHoldWhatWasTyped()
     {
         m_model->openPractice();
+        QSStore::shared()->saveFilledPDF(u"us-w-9"_s, u"W-9"_s, m_form);
         type(u"city_state_zip"_s, u"Pueblo, CO 81003"_s);
         for (const auto how : {AppModel::FormExport::editable, AppModel::FormExport::flattened}) {
             const QString path = m_user->path(u"copy.pdf"_s);
             m_desktop->savePaths = {path};
             m_model->setMessage(std::nullopt);
             m_model->exportForm(how);
+            m_model->exportForm(how); // one at a time
+            QVERIFY(m_model->message());
             QTRY_COMPARE(m_model->message(), u"Saved copy.pdf"_s);
             QCOMPARE(m_desktop->suggestedNames.constLast(), u"Vell Practice Form.pdf"_s);
             const auto copy = QSPDFDocument::open(contents(path));
             QVERIFY(copy->text(0).contains(u"Pueblo, CO 81003"));
             QCOMPARE(QSPDF::isFillable(*copy), how == AppModel::FormExport::editable);
         }
+        const std::weak_ptr<QSPDFDocument> document = m_model->openPDF()->form().document;
+        m_desktop->answers = {dontSave};
+        m_desktop->whileAsking = [&] { // another form comes while the panel stands
+            m_model->openSaved(m_model->filledPDFs()->constFirst());
+            QTest::qWait(300);
+            QVERIFY(!document.expired() && m_desktop->questions.isEmpty());
+        };
         m_model->printForm();
         QCOMPARE(m_desktop->printedPDFs, QStringList{u"Vell Practice Form"_s});
-        m_desktop->answers = {dontSave};
-        QVERIFY(m_model->closeForm());
+        QTRY_COMPARE(m_model->openPDF()->form().title, u"W-9"_s);
     }
 
     void aSiteThatCannotBeReachedIsASentence()
@@ -261,6 +278,18 @@ private Q_SLOTS:
         QCOMPARE(QSStore::shared()->linkChecks().size(), total);
         QCOMPARE(m_model->linkStatus(ss4()).level, 2);
         QCOMPARE(m_model->linkStatus(w9()).level, 0);
+    }
+
+    void aCheckOfAllLinksStops()
+    {
+        Answer silent = Answer::pdf(m_form);
+        silent.delay = std::chrono::minutes(1);
+        m_agencies->answerOthers(silent);
+        m_model->checkAllLinks();
+        m_model->stopChecking();
+        QTRY_VERIFY(!m_model->checking());
+        QCOMPARE(m_model->message(), u"The check was stopped after 0 links."_s);
+        m_agencies->answerOthers(Answer::pdf(m_form, "\"1\""));
     }
 
     void aHitShowsItsEntryUnderItsState()

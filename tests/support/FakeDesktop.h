@@ -18,8 +18,9 @@ public:
     QList<int> answers;                      ///< buttons to press, first to last
 
     bool hasBrowser = true;
-    bool hasPrograms = true;           ///< a file manager, and a program for every file
-    std::function<void()> whileAsking; ///< what happens while the next question stands
+    bool hasPrograms = true; ///< a file manager, and a program for every file
+    std::function<void()>
+        whileAsking; ///< what happens while the next question or print panel stands
 
     QStringList suggestedNames;
     QList<Question> questions;
@@ -48,9 +49,7 @@ public:
     int ask(const Question &question) override
     {
         questions.append(question);
-        if (whileAsking) {
-            std::exchange(whileAsking, {})();
-        }
+        standOpen();
         if (answers.isEmpty()) {
             unexpected.append(question.text);
             return question.cancel;
@@ -66,6 +65,7 @@ public:
     void print(const QSRendered &rendered) override { printed.append(rendered); }
     void printPDF(const QSPDFDocument &, const QString &title) override
     {
+        standOpen();
         printedPDFs.append(title);
     }
     bool showInFolder(const QString &path) override
@@ -77,5 +77,13 @@ public:
     {
         openedFiles.append(path);
         return hasPrograms;
+    }
+
+private:
+    void standOpen()
+    {
+        if (whileAsking) {
+            std::exchange(whileAsking, {})();
+        }
     }
 };
