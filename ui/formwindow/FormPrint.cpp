@@ -108,19 +108,8 @@ void writeFile(const QSPDFDocument &document, const QPrinter &printer)
                                                                         error.description()));
     }
 }
-} // namespace
-
-namespace FormPrint {
-void print(const QSPDFDocument &document, QPrinter &printer, const Progress &progress)
-{
-    if (printer.outputFormat() == QPrinter::PdfFormat && !printer.outputFileName().isEmpty()) {
-        writeFile(document, printer);
-    } else {
-        draw(document, printer, progress);
-    }
-}
-
-void draw(const QSPDFDocument &document, QPrinter &printer, const Progress &progress)
+void drawPages(const QSPDFDocument &document, QPrinter &printer,
+               const FormPrint::Progress &progress)
 {
     const QList<int> pages = sheets(printer, document.pageCount());
     printer.setFullPage(true);
@@ -142,6 +131,26 @@ void draw(const QSPDFDocument &document, QPrinter &printer, const Progress &prog
     }
     if (!painter.end()) {
         throw QSError::invalid(u"The printer did not finish the form."_s);
+    }
+}
+} // namespace
+
+namespace FormPrint {
+void print(const QSPDFDocument &document, QPrinter &printer, const Progress &progress)
+{
+    if (printer.outputFormat() == QPrinter::PdfFormat && !printer.outputFileName().isEmpty()) {
+        writeFile(document, printer);
+    } else {
+        draw(document, printer, progress);
+    }
+}
+
+void draw(const QSPDFDocument &document, QPrinter &printer, const Progress &progress)
+{
+    if (document.fields().isEmpty()) {
+        drawPages(document, printer, progress);
+    } else { // which has been read back, and is without what only the screen is to show
+        drawPages(*QSPDFDocument::open(QSPDF::flatten(document)), printer, progress);
     }
 }
 } // namespace FormPrint
