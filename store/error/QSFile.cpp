@@ -26,6 +26,10 @@ QByteArray read(const QString &path)
     if (!file.open(QIODevice::ReadOnly)) {
         throw QSError::invalid(file.errorString());
     }
-    return file.readAll();
+    QByteArray data = file.readAll();
+    if (file.error() != QFile::NoError) {
+        throw QSError::invalid(file.errorString());
+    }
+    return data;
 }
 } // namespace QSFile

@@ -1,3 +1,4 @@
+#include "QSFile.h"
 #include "QSStore.h"
 #include "QSTemplates.h"
 #include "ScratchUser.h"
@@ -172,6 +173,7 @@ private Q_SLOTS:
     void acceptsItsOwn();
     void reportsUnusablePlaces();
     void reportsDamage();
+    void reportsAFileThatCannotBeRead();
     void worksWithoutFTS5();
     void savesThoughTheIndexFails_data();
     void savesThoughTheIndexFails();
@@ -300,6 +302,12 @@ void TestStoreFaults::reportsDamage()
     QVERIFY2(text.startsWith(u"The database reported a problem: "_s), qPrintable(text));
     const QString folder = QFileInfo(path).path();
     QCOMPARE(snapshot(folder), (QMap<QString, QByteArray>{{QFileInfo(path).fileName(), bytes}}));
+}
+
+void TestStoreFaults::reportsAFileThatCannotBeRead()
+{
+    // It opens, and its first page can't be read.
+    QVERIFY(!sentence([] { (void)QSFile::read(u"/proc/self/mem"_s); }).isEmpty());
 }
 
 void TestStoreFaults::worksWithoutFTS5()
