@@ -46,12 +46,14 @@ const std::array<std::pair<CURLcode, QString>, 14> reasons = {{
 
 QString reasonFor(CURLcode code, const char *details)
 {
+    const QString text = QString::fromUtf8(*details != '\0' ? details : curl_easy_strerror(code));
     const auto known = std::ranges::find(reasons, code, &std::pair<CURLcode, QString>::first);
-    if (known != reasons.end()) {
+    // A proxy that refuses to connect has the code of a connection that breaks off.
+    const bool refused = code == CURLE_RECV_ERROR && text.contains(u"CONNECT"_s);
+    if (known != reasons.end() && !refused) {
         return known->second;
     }
-    const char *text = *details != '\0' ? details : curl_easy_strerror(code);
-    return u"network problem: "_s + QString::fromUtf8(text);
+    return u"network problem: "_s + text;
 }
 
 #ifdef QS_TEST_ROUTE

@@ -77,13 +77,19 @@ AgencyServer::Answer suited(const AgencyServer::Request &request, AgencyServer::
     return answer;
 }
 
+/// An answer that ends with its head, by its status.
+bool isBare(const AgencyServer::Answer &answer)
+{
+    return answer.status == 204 || answer.status == 304;
+}
+
 QByteArray headOf(const AgencyServer::Answer &answer)
 {
     QByteArray head = "HTTP/1.1 " + QByteArray::number(answer.status) + " \r\n";
     for (const auto &[name, value] : answer.headers) {
         head += name + ": " + value + "\r\n";
     }
-    if (answer.status != 304 && !answer.unannounced) {
+    if (!isBare(answer) && !answer.unannounced) {
         const qint64 size = answer.announced >= 0 ? answer.announced : answer.body.size();
         head += "Content-Length: " + QByteArray::number(size) + "\r\n";
     }
@@ -120,7 +126,7 @@ void AgencyConnection::reply(const AgencyServer::Request &request,
 {
     m_socket->write(headOf(answer));
     m_hangUp = answer.unannounced || answer.cutAfter >= 0;
-    m_rest = request.method == "HEAD" ? QByteArray() : answer.body;
+    m_rest = request.method == "HEAD" || isBare(answer) ? QByteArray() : answer.body;
     if (answer.cutAfter >= 0) {
         m_rest.truncate(answer.cutAfter);
     }
