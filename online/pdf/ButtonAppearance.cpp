@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <array>
+#include <set>
 
 namespace {
 /// What draws a mark in a square from (-1, -1) to (1, 1).
@@ -85,20 +86,46 @@ QPDFObjectHandle drawing(QPDF &pdf, QPDFObjectHandle widget, bool round, bool on
     return stream;
 }
 
-/// Only a short stream can be one of blanks; the others need no look inside.
+/// Looks through a drawing for what leaves ink.
+class InkFinder final : public QPDFObjectHandle::ParserCallbacks
+{
+public:
+    using ParserCallbacks::handleObject;
+
+    void handleObject(QPDFObjectHandle object) override
+    {
+        static const std::set<std::string> painting = {
+            "f", "F", "f*", "B", "B*", "b", "b*", "s", "S", "sh", "Do", "Tj", "TJ", "'", "\"",
+        };
+        m_found = m_found || object.isInlineImage() ||
+                  (object.isOperator() && painting.count(object.getOperatorValue()) > 0);
+    }
+    void handleEOF() override {}
+
+    [[nodiscard]] bool found() const { return m_found; }
+
+private:
+    bool m_found = false;
+};
+
+/// Only a short stream can be one without ink; the others need no look inside.
 bool drawsSomething(QPDFObjectHandle stream)
 {
     if (!stream.isStream()) {
         return false;
     }
-    constexpr int longEnough = 64;
+    const auto box = stream.getDict().getKey("/BBox").getArrayAsRectangle();
+    if (box.llx == box.urx || box.lly == box.ury) {
+        return false;
+    }
+    constexpr int longEnough = 128;
     QPDFObjectHandle length = stream.getDict().getKey("/Length");
     if (length.isInteger() && length.getIntValue() > longEnough) {
         return true;
     }
-    const auto data = stream.getStreamData(qpdf_dl_generalized);
-    return std::any_of(data->getBuffer(), data->getBuffer() + data->getSize(),
-                       [](unsigned char byte) { return byte > ' '; });
+    InkFinder finder;
+    stream.parseAsContents(&finder);
+    return finder.found();
 }
 } // namespace
 

@@ -15,6 +15,7 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace {
 using Kind = FormField::Kind;
+using Objects = std::vector<QPDFObjectHandle>;
 
 constexpr int radiosInUnison = 1 << 25; // bit 26; qpdf's constant for it is another bit
 constexpr int deepest = 64;             // of a field below its form; real ones have five steps
@@ -119,38 +120,81 @@ int positionOf(const QList<FormField::Choice> &choices, const QString &text)
 }
 
 /// The texts or numbers of an array; a single one stands for itself.
-std::vector<QPDFObjectHandle> itemsOf(QPDFObjectHandle object)
+Objects itemsOf(QPDFObjectHandle object)
 {
-    return object.isArray() ? object.getArrayAsVector() : std::vector{object};
+    return object.isArray() ? object.getArrayAsVector() : Objects{object};
 }
 
-FormValue choiceValue(const FormField &field, QPDFFormFieldObjectHelper &helper)
+QList<int> inOrder(QList<int> positions)
 {
-    FormValue value;
-    QPDFObjectHandle stored = helper.getInheritableFieldValue("/V");
-    if (stored.isNull()) {
-        for (QPDFObjectHandle item : itemsOf(helper.getInheritableFieldValue("/I"))) {
-            if (item.isInteger() && item.getIntValue() >= 0 &&
-                item.getIntValue() < field.choices.size()) {
-                value.chosen.append(item.getIntValueAsInt());
-            }
+    std::ranges::sort(positions);
+    positions.erase(std::unique(positions.begin(), positions.end()), positions.end());
+    return positions;
+}
+
+QList<int> storedPositions(const FormField &field, const QPDFObjectHandle &stored)
+{
+    QList<int> positions;
+    for (QPDFObjectHandle item : itemsOf(stored)) {
+        if (item.isInteger() && item.getIntValue() >= 0 &&
+            item.getIntValue() < field.choices.size()) {
+            positions.append(item.getIntValueAsInt());
         }
     }
-    for (const QPDFObjectHandle &item : itemsOf(stored)) {
-        const QString text = textOf(item);
-        const int position = positionOf(field.choices, text);
+    return inOrder(positions);
+}
+
+/// True when the positions are those of the texts, which may belong to several choices alike.
+bool agree(const FormField &field, const QList<int> &positions, QStringList texts)
+{
+    QStringList exported;
+    for (const int position : positions) {
+        exported.append(field.choices.at(position).exportValue);
+    }
+    exported.sort();
+    texts.sort();
+    return exported == texts;
+}
+
+/// Chooses what the texts say; false when one is neither a choice nor a text of one's own.
+bool readTexts(const FormField &field, const QStringList &texts, bool own, FormValue &value)
+{
+    bool known = true;
+    value.chosen.clear();
+    for (const QString &text : texts) {
+        const int position = own ? -1 : positionOf(field.choices, text);
         if (position >= 0) {
             value.chosen.append(position);
         } else if (field.editable) {
             value.text = text;
+        } else {
+            known = known && text.isEmpty();
         }
     }
-    std::ranges::sort(value.chosen);
-    value.chosen.erase(std::unique(value.chosen.begin(), value.chosen.end()), value.chosen.end());
+    value.chosen = inOrder(value.chosen);
+    return known;
+}
+
+void readChosen(Widget &widget, QPDFFormFieldObjectHelper &helper)
+{
+    const FormField &field = widget.field;
+    FormValue &value = widget.value;
+    QPDFObjectHandle positions = helper.getInheritableFieldValue("/I");
+    QPDFObjectHandle stored = helper.getInheritableFieldValue("/V");
+    QStringList texts;
+    for (const QPDFObjectHandle &item : stored.isNull() ? Objects() : itemsOf(stored)) {
+        texts.append(textOf(item));
+    }
+    value.chosen = storedPositions(field, positions);
+    if (!stored.isNull() && !agree(field, value.chosen, texts)) {
+        // Told that no choice is chosen, the text is one of its own, whatever the choices store.
+        const bool own = field.editable && positions.isArray() && positions.getArrayNItems() == 0;
+        widget.drawable = readTexts(field, texts, own, value);
+    }
     if (!field.multiSelect && value.chosen.size() > 1) {
         value.chosen.resize(1);
+        widget.drawable = false;
     }
-    return value;
 }
 
 void readText(Widget &widget, QPDFFormFieldObjectHelper &helper)
@@ -173,7 +217,7 @@ void readChoice(Widget &widget, QPDFFormFieldObjectHelper &helper)
     field.choices = choicesOf(helper.getInheritableFieldValue("/Opt"));
     field.editable = field.kind == Kind::comboBox && (flags & ff_ch_edit) != 0;
     field.multiSelect = field.kind == Kind::listBox && (flags & ff_ch_multi_select) != 0;
-    widget.value = choiceValue(field, helper);
+    readChosen(widget, helper);
 }
 
 /// The state of a button's appearance that is not "Off", as a name with its slash.

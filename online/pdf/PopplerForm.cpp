@@ -18,13 +18,13 @@ constexpr double pointsPerInch = 72;
 constexpr double mostDots = 64e6;    // of one drawing: 256 MB, a Letter page at 800 dots per inch
 constexpr double mostAcross = 32767; // dots of a whole page; far beyond, letters alone fill memory
 
-/// A change of a value that waits for its turn or runs; drawing stops for it.
-class Change final
+/// Something that people wait for and that waits for its turn or runs; drawing stops for it.
+class Pressing final
 {
 public:
-    explicit Change(std::atomic<int> &count) : m_count(count) { ++m_count; }
-    ~Change() { --m_count; }
-    Q_DISABLE_COPY_MOVE(Change)
+    explicit Pressing(std::atomic<int> &count) : m_count(count) { ++m_count; }
+    ~Pressing() { --m_count; }
+    Q_DISABLE_COPY_MOVE(Pressing)
 
 private:
     std::atomic<int> &m_count;
@@ -34,12 +34,12 @@ private:
 struct Interruption
 {
     const std::function<bool()> &cancelled;
-    const std::atomic<int> &changes;
+    const std::atomic<int> &pressing;
     bool wasDue = false;
 
     bool isDue()
     {
-        wasDue = wasDue || changes > 0 || (cancelled && cancelled());
+        wasDue = wasDue || pressing > 0 || (cancelled && cancelled());
         return wasDue;
     }
     static bool ask(const QVariant &self)
@@ -64,14 +64,15 @@ QRect drawnPart(const QSizeF &page, double dotsPerInch, const QRect &clip)
 void putValue(Poppler::FormField *handle, const Widget &widget)
 {
     const FormValue &value = widget.value;
+    const QString drawn = PopplerForm::drawnText(widget.field, value.text);
     if (auto *text = dynamic_cast<Poppler::FormFieldText *>(handle)) {
-        text->setText(value.text);
+        text->setText(drawn);
     } else if (auto *button = dynamic_cast<Poppler::FormFieldButton *>(handle)) {
         button->setState(value.on);
     } else if (auto *choice = dynamic_cast<Poppler::FormFieldChoice *>(handle)) {
         choice->setCurrentChoices(value.chosen);
-        if (!value.text.isEmpty()) {
-            choice->setEditChoice(value.text);
+        if (!drawn.isEmpty()) {
+            choice->setEditChoice(drawn);
         }
     }
 }
@@ -85,6 +86,19 @@ std::unique_ptr<Poppler::Document> PopplerForm::load(const QByteArray &bytes)
     }();
     Q_UNUSED(silent)
     return Poppler::Document::loadFromData(bytes);
+}
+
+QString PopplerForm::drawnText(const FormField &field, QString text)
+{
+    text.replace(u"\r\n"_s, u"\n"_s);
+    for (QChar &character : text) {
+        if (u"\n\r\u2028\u2029"_s.contains(character)) {
+            character = field.multiLine ? u'\n' : u' ';
+        } else if (u"\t\v\f"_s.contains(character)) {
+            character = u' ';
+        }
+    }
+    return text;
 }
 
 PopplerForm::PopplerForm(const QByteArray &bytes, QList<Widget> &widgets)
@@ -151,7 +165,7 @@ void PopplerForm::adopt(Widget &widget, int page, std::unique_ptr<Poppler::FormF
 
 void PopplerForm::put(const QList<Widget> &widgets)
 {
-    const Change change(m_changes);
+    const Pressing pressing(m_pressing);
     const QMutexLocker lock(&m_mutex);
     for (const Widget &widget : widgets) {
         putValue(m_handles.at(static_cast<size_t>(widget.field.id)).get(), widget);
@@ -166,7 +180,7 @@ QImage PopplerForm::render(int page, double dotsPerInch, const QRect &clip,
         return {};
     }
     const QRect part = drawnPart(m_sizes.at(page), dotsPerInch, clip);
-    Interruption interruption{cancelled, m_changes};
+    Interruption interruption{cancelled, m_pressing};
     const QMutexLocker lock(&m_mutex);
     if (part.isEmpty() || interruption.isDue()) {
         return {};
@@ -191,6 +205,7 @@ QString PopplerForm::text(int page, const QRectF &rect) const
 
 QByteArray PopplerForm::bytes() const
 {
+    const Pressing pressing(m_pressing);
     const QMutexLocker lock(&m_mutex);
     if (!m_touched) {
         return m_bytes;

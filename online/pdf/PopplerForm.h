@@ -22,13 +22,16 @@ class FormField;
 } // namespace Poppler
 
 /// A working copy in Poppler's hands, which draws its pages and what is typed into them. Any thread
-/// may call any function; one runs at a time, and put() does not wait for a drawing to end but ends
-/// it.
+/// may call any function; one runs at a time, and put() and bytes() do not wait for a drawing to
+/// end but end it.
 class PopplerForm final
 {
 public:
     /// Null when Poppler makes nothing of the bytes; a document that needs a password is locked.
     [[nodiscard]] static std::unique_ptr<Poppler::Document> load(const QByteArray &bytes);
+    /// The text as Poppler draws it without running its parts together: line ends as "\n" where the
+    /// field has lines and as spaces where it has one, tabs as spaces.
+    [[nodiscard]] static QString drawnText(const FormField &field, QString text);
 
     /// Throws QSError::invalid. Gives the widgets their places; one that Poppler doesn't draw is
     /// neither shown nor settable from here on and stays in the file as it is.
@@ -56,8 +59,8 @@ private:
 
     QList<QSizeF> m_sizes;
     QStringList m_labels;
-    std::atomic<int> m_changes = 0; // how many wait or run
-    mutable QMutex m_mutex;         // guards what follows
+    mutable std::atomic<int> m_pressing = 0; // how many wait or run that a drawing makes way for
+    mutable QMutex m_mutex;                  // guards what follows
     QByteArray m_bytes;
     bool m_touched = false; // Poppler's copy is no longer that of m_bytes
     std::unique_ptr<Poppler::Document> m_document;

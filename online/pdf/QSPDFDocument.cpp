@@ -15,6 +15,7 @@
 #include <qpdf/QPDFExc.hh>
 
 #include <algorithm>
+#include <functional>
 
 #ifdef __GLIBC__
 #include <malloc.h>
@@ -70,14 +71,9 @@ QString limited(const QString &text, int limit)
                              std::min<qsizetype>(letters.size(), limit));
 }
 
-/// With line ends as "\n" where the field has lines, and as spaces where it has one.
-QString acceptedText(const FormField &field, QString text)
+QString acceptedText(const FormField &field, const QString &text)
 {
-    text.replace(u"\r\n"_s, u"\n"_s).replace(u'\r', u'\n');
-    if (!field.multiLine) {
-        text.replace(u'\n', u' ');
-    }
-    return limited(text, field.maxLength);
+    return limited(PopplerForm::drawnText(field, text), field.maxLength);
 }
 
 FormValue acceptedChoice(const FormField &field, const FormValue &value)
@@ -124,7 +120,8 @@ FormValue following(const Widget &set, const FormValue &wanted, const Widget &wi
         return wanted;
     }
     if (!set.isToggle()) {
-        return accepted(widget.field, wanted);
+        // One answer, whatever limits its other places have.
+        return widget.field.kind == Kind::text ? wanted : accepted(widget.field, wanted);
     }
     if (set.inUnison && widget.onState == set.onState) {
         return wanted;
@@ -150,6 +147,9 @@ public:
 
 private:
     [[nodiscard]] QByteArray finished(bool flat) const;
+    /// Without its fields, and read back.
+    [[nodiscard]] static QByteArray flattened(const QByteArray &saved,
+                                              const QList<Widget> &widgets);
 
     const bool m_isViewOnly;
 };
@@ -209,18 +209,42 @@ QByteArray QSPDFDocument::Private::finished(bool flat) const
     QByteArray saved = m_form.bytes();
     const QList<Widget> widgets = m_widgets;
     lock.unlock();
+    if (flat && m_isViewOnly) {
+        throw QSError::invalid(u"This PDF is damaged, so no flattened copy of it can be made."_s);
+    }
     if (m_isViewOnly) {
         return saved;
     }
+    if (flat) {
+        return flattened(saved, widgets);
+    }
     const QpdfFile file(saved);
     WorkingCopy::finish(file.pdf(), widgets);
-    if (!flat) {
+    return file.write();
+}
+
+QByteArray QSPDFDocument::Private::flattened(const QByteArray &saved, const QList<Widget> &widgets)
+{
+    const auto flatten = [&widgets](const QByteArray &bytes) {
+        const QpdfFile file(bytes);
+        WorkingCopy::finish(file.pdf(), widgets);
+        Flattening::apply(file.pdf());
         return file.write();
+    };
+    QByteArray flat = flatten(saved);
+    QList<Widget> unread = ReadBack::unread(flat, widgets);
+    // Other programs draw a list where it was scrolled to, and texts as they were some time ago.
+    if (std::ranges::any_of(unread, std::not_fn(&Widget::changed))) {
+        QList<Widget> places = widgets;
+        PopplerForm anew(saved, places);
+        anew.put(unread);
+        flat = flatten(anew.bytes());
+        unread = ReadBack::unread(flat, widgets);
     }
-    Flattening::apply(file.pdf());
-    QByteArray bytes = file.write();
-    ReadBack::check(bytes, widgets);
-    return bytes;
+    if (!unread.isEmpty()) {
+        throw ReadBack::refusal(unread);
+    }
+    return flat;
 }
 
 QByteArray QSPDFDocument::Private::file(bool flat) const

@@ -19,8 +19,8 @@
 /// then shown and filled, and what is saved is put right again so that every other program finds
 /// the same appearances. The bytes it was opened from are never changed.
 ///
-/// Any thread may call any function, one at a time inside: what changes a value cuts a drawing that
-/// runs on another thread short instead of waiting for it.
+/// Any thread may call any function, one at a time inside: what changes a value or makes a file
+/// cuts a drawing that runs on another thread short instead of waiting for it.
 class QSPDFDocument final
 {
 public:
@@ -53,17 +53,19 @@ public:
     /// All values, by id.
     [[nodiscard]] QList<FormValue> values() const;
     /// Sets a widget's value, and with it those of the widgets that have to follow: the other
-    /// buttons of a radio group, check boxes and texts that share its name. Returns the ids of all
-    /// widgets that may look different now, this one first. A text longer than the field's limit is
-    /// cut; does nothing to push buttons and signatures. Works on read-only widgets too: asking
+    /// buttons of a radio group, check boxes and texts that share its name, which are one answer:
+    /// they hold the same whatever limits they have. Returns the ids of all widgets that may look
+    /// different now, this one first. A text longer than the field's limit is cut and a tab becomes
+    /// a space; does nothing to push buttons and signatures. Works on read-only widgets too: asking
     /// isSettable() is the caller's part.
     QList<int> setValue(int id, const FormValue &value);
 
     /// Draws a page with what is typed into it, on white, at so many dots per inch. clip: only that
     /// part of the page, in dots; everything when it is null. Null when it was cut short, by
-    /// cancelled() returning true or by a change of a value; for a page that isn't there; and for
-    /// more than 64 million dots, or a page of more than 32,767 dots along a side, which would take
-    /// all memory. cancelled() is called often and from this thread; it must not call the document.
+    /// cancelled() returning true or by a call of setValue(), bytes() or flattened(); for a page
+    /// that isn't there; and for more than 64 million dots, or a page of more than 32,767 dots
+    /// along a side, which would take all memory. cancelled() is called often and from this thread;
+    /// it must not call the document.
     [[nodiscard]] QImage render(int page, double dotsPerInch, const QRect &clip = {},
                                 const std::function<bool()> &cancelled = {}) const;
     /// The page's text inside a rectangle in points; all of it when that is null.
@@ -74,7 +76,8 @@ public:
     [[nodiscard]] QByteArray bytes() const;
 
     /// A copy whose fields are part of its pages. Throws QSError::invalid when it can't be made,
-    /// and when what was typed can't be read on it: the sentence names the fields.
+    /// and when what was typed can't be read on it: the sentence names the fields. A value that the
+    /// file came with is drawn anew where its drawing doesn't show it.
     [[nodiscard]] QByteArray flattened() const;
 
 private:

@@ -1,7 +1,5 @@
 #include "ReadBack.h"
 
-#include "QSError.h"
-
 #include <QHash>
 
 #include <poppler-qt6.h>
@@ -73,7 +71,10 @@ QStringList shownTexts(const Widget &widget)
     }
     QStringList texts;
     for (const int chosen : value.chosen) {
-        texts.append(widget.field.choices.at(chosen).label);
+        const FormField::Choice &choice = widget.field.choices.at(chosen);
+        // Agencies have one to say that nothing is chosen, and show it or show nothing.
+        const bool isNothing = choice.exportValue.isEmpty() && !widget.changed;
+        texts.append(isNothing ? QString() : choice.label);
     }
     return texts.isEmpty() ? QStringList{value.text} : texts;
 }
@@ -82,7 +83,7 @@ bool isChecked(const Widget &widget)
 {
     const Kind kind = widget.field.kind;
     const bool hasText = kind == Kind::text || kind == Kind::comboBox || kind == Kind::listBox;
-    return hasText && widget.printed &&
+    return hasText && widget.printed && !widget.field.rect.isEmpty() &&
            (widget.changed || (widget.verbatim && !widget.field.readOnly));
 }
 
@@ -145,33 +146,37 @@ QString quoted(const FormField &field)
     return u'"' + label + u'"';
 }
 
-QString sentence(const QStringList &names)
+QString listOf(const QStringList &names)
 {
     constexpr qsizetype most = 3;
-    QString list;
     if (names.size() > most) {
-        list = names.first(most).join(u", "_s) + u" and %1 more"_s.arg(names.size() - most);
-    } else {
-        list = names.size() == 1
-                   ? names.first()
-                   : names.first(names.size() - 1).join(u", "_s) + u" and "_s + names.last();
+        return names.first(most).join(u", "_s) + u" and %1 more"_s.arg(names.size() - most);
     }
-    return u"What was typed into %1 does not fit on the page or can't be read there, so the flattened copy was not made."_s
-        .arg(list);
+    return names.size() == 1
+               ? names.first()
+               : names.first(names.size() - 1).join(u", "_s) + u" and "_s + names.last();
 }
 } // namespace
 
-void ReadBack::check(const QByteArray &flattened, const QList<Widget> &widgets)
+QList<Widget> ReadBack::unread(const QByteArray &flattened, const QList<Widget> &widgets)
 {
     Pages pages(flattened);
+    QList<Widget> unread;
+    std::ranges::copy_if(widgets, std::back_inserter(unread), [&pages](const Widget &widget) {
+        return isChecked(widget) && !isReadable(pages, widget);
+    });
+    return unread;
+}
+
+QSError ReadBack::refusal(const QList<Widget> &unread)
+{
     QStringList names;
-    for (const Widget &widget : widgets) {
-        if (isChecked(widget) && !isReadable(pages, widget)) {
-            names.append(quoted(widget.field));
-        }
+    for (const Widget &widget : unread) {
+        names.append(quoted(widget.field));
     }
     names.removeDuplicates();
-    if (!names.isEmpty()) {
-        throw QSError::invalid(sentence(names));
-    }
+    const bool typed = std::ranges::all_of(unread, &Widget::changed);
+    return QSError::invalid(
+        u"What %1 %2 does not fit on the page or can't be read there, so the form can't be flattened or printed."_s
+            .arg(typed ? u"was typed into"_s : u"stands in"_s, listOf(names)));
 }

@@ -15,6 +15,7 @@ struct Widget
     bool inUnison =
         true;           ///< buttons: goes on and off with those of its group with the same onState
     bool stale = false; ///< its appearance is missing or older than its value
+    bool drawable = true; ///< its value is one that it can show
     bool verbatim = true; ///< what it shows is its value, not a script's way of writing it
     bool printed = true;  ///< it is part of the printed page
     bool changed = false; ///< since it was opened

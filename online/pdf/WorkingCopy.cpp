@@ -178,7 +178,7 @@ void Maker::addWidget(const QPDFObjectHandle &object)
                                    field.kind == Kind::radio);
     } else if (field.kind == Kind::text || field.kind == Kind::comboBox ||
                field.kind == Kind::listBox) {
-        widget->stale = widget->stale || m_needAppearances;
+        widget->stale = widget->drawable && (widget->stale || m_needAppearances);
         provideFont(object);
     }
     list(object);
@@ -304,11 +304,8 @@ void writeChoice(QPDFObjectHandle field, const Widget &widget)
         values.appendItem(stored(widget.value.text));
     }
     field.replaceKey("/V", values.getArrayNItems() == 1 ? values.getArrayItem(0) : values);
-    if (positions.getArrayNItems() > 0) {
-        field.replaceKey("/I", positions);
-    } else {
-        field.removeKey("/I");
-    }
+    // None says that a text is one of its own, and not what one of the choices stores.
+    field.replaceKey("/I", positions);
 }
 
 /// What the widget shows, which is its own and not its field's.
@@ -327,6 +324,7 @@ void writeValue(QPDFObjectHandle object, const Widget &widget)
     QPDFObjectHandle field = FieldReader::fieldOf(object);
     if (!field.isSameObjectAs(object)) {
         object.removeKey("/V");
+        object.removeKey("/I");
     }
     field.removeKey("/RV"); // the same text with its styles, as it was before
     if (widget.isToggle()) {

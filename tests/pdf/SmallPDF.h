@@ -32,6 +32,23 @@ inline QByteArray smallPDF(const QList<QByteArray> &objects, const QByteArray &p
            widgets + "]" + page + ">> endobj\n" + body + "trailer <</Root 1 0 R>>\n";
 }
 
+/// Adds drawings: number 8 leaves no ink, 9 is a square, and 10 is one of no size.
+inline QByteArray withDrawings(QByteArray pdf)
+{
+    const auto drawing = [](int number, const QByteArray &box, const QByteArray &content) {
+        return QByteArray::number(number) + " 0 obj <</BBox[" + box + "]/Subtype/Form/Length " +
+               QByteArray::number(content.size()) + ">> stream\n" + content +
+               "\nendstream endobj\n";
+    };
+    const QByteArray square = "0 0 9 9 re f";
+    return pdf.replace("trailer", drawing(8, "0 0 9 9", "/Tx BMC q 0 0 9 9 re W n Q EMC") +
+                                      drawing(9, "0 0 9 9", square) +
+                                      drawing(10, "0 0 0 0", square) + "trailer");
+}
+
+constexpr const char *helv = "/DA(/Helv 12 Tf 0 g)/F 4";
+inline const QByteArray textField = QByteArray("/FT/Tx/T(a)/Rect[10 100 110 120]") + helv;
+
 /// What another program says of a PDF on its standard output; fails the test when it objects.
 inline QByteArray askOf(const QString &program, const QStringList &arguments, const QByteArray &pdf)
 {

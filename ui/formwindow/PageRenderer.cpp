@@ -70,9 +70,15 @@ void PageRenderer::finish(int run, const QImage &drawing)
     }
     Client *client = std::exchange(m_waiting, nullptr);
     if (!drawing.isNull()) {
+        m_failures = 0;
         client->take(m_job, drawing);
     } else {
-        client->lose(m_job, !m_changed && !*m_cancelled);
+        // Saving cuts a drawing short as well; what can't be drawn fails again and again.
+        constexpr int mostFailures = 3;
+        m_failures = m_changed || *m_cancelled ? 0 : m_failures + 1;
+        const bool hopeless = m_failures == mostFailures;
+        m_failures = hopeless ? 0 : m_failures;
+        client->lose(m_job, hopeless);
     }
     wake();
 }

@@ -41,7 +41,8 @@ public:
         /// False when a job that runs is of no use any more.
         [[nodiscard]] virtual bool wants(const Job &job) const = 0;
         virtual void take(const Job &job, const QImage &drawing) = 0;
-        /// The job was cut short and may be asked for again; hopeless when it can't be drawn.
+        /// The job was cut short and may be asked for again; hopeless when it can't be drawn, as
+        /// far as some tries tell.
         virtual void lose(const Job &job, bool hopeless) = 0;
     };
 
@@ -68,4 +69,5 @@ private:
     Job m_job;
     int m_run = 0;
     bool m_changed = false;
+    int m_failures = 0; ///< in a row, without anything that is known to have cut them short
 };
