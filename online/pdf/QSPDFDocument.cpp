@@ -1,5 +1,6 @@
 #include "QSPDFDocument.h"
 
+#include "FieldLabels.h"
 #include "Flattening.h"
 #include "PopplerForm.h"
 #include "QSError.h"
@@ -167,6 +168,7 @@ QSPDFDocument::Private::Private(WorkingCopy copy)
         }
     }
     m_form.put(stale);
+    FieldLabels::tellApart(m_fields, copy.bytes);
     m_tabOrder = TabOrder::of(m_fields, copy.tabs, copy.structure);
 }
 
