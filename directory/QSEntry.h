@@ -28,4 +28,6 @@ struct QSEntry
 
     /// Number and title, or the title alone where the form has no number.
     [[nodiscard]] QString displayTitle() const;
+    /// True for what opens in the browser alone and has no copy here.
+    [[nodiscard]] bool opensInBrowser() const;
 };

@@ -64,6 +64,7 @@ MainWindow::MainWindow(AppModel &model)
     connectModel();
     showPage();
     showMessage();
+    showWork();
 }
 
 MainWindow::~MainWindow() = default;
@@ -222,8 +223,8 @@ void MainWindow::connectModel()
     });
     connect(&m_model, &AppModel::openPDFChanged, this, &MainWindow::openFormWindow);
     connect(&m_model, &AppModel::messageChanged, this, &MainWindow::showMessage);
-    connect(&m_model, &AppModel::busyChanged, this, &MainWindow::showMessage);
-    connect(&m_model, &AppModel::checkingChanged, this, &MainWindow::showMessage);
+    connect(&m_model, &AppModel::busyChanged, this, &MainWindow::showWork);
+    connect(&m_model, &AppModel::checkingChanged, this, &MainWindow::showWork);
     // queued: at start-up the window is shown first
     connect(&m_model, &AppModel::showDisclaimerChanged, this, &MainWindow::showDisclaimer,
             Qt::QueuedConnection);
@@ -234,6 +235,8 @@ void MainWindow::connectModel()
 
 void MainWindow::showPage()
 {
+    const QWidget *before = m_pages->currentWidget();
+    const bool hadKeyboard = before && before->isAncestorOf(focusWidget());
     m_sidebar->setCurrent(m_model.screen());
     if (!m_model.search().trimmed().isEmpty()) {
         m_pages->setCurrentWidget(results());
@@ -241,6 +244,9 @@ void MainWindow::showPage()
         m_pages->setCurrentWidget(editor());
     } else {
         m_pages->setCurrentWidget(screenPage());
+    }
+    if (hadKeyboard && m_pages->currentWidget() != before) {
+        m_pages->currentWidget()->setFocus();
     }
     showTitle();
 }
@@ -259,7 +265,12 @@ void MainWindow::showTitle()
 
 void MainWindow::showMessage()
 {
-    m_message->display(m_model.message().value_or(QString()), work(m_model));
+    m_message->displayMessage(m_model.message().value_or(QString()));
+}
+
+void MainWindow::showWork()
+{
+    m_message->displayWork(work(m_model));
 }
 
 void MainWindow::showDisclaimer()

@@ -19,9 +19,9 @@ class Sidebar;
 class StateMenu;
 class VxMessageBar;
 
-/// The one window: sidebar, header with the state menu and the search field, the screen, message
-/// line, and the disclaimer's footer. It shows what the model says and hands what the user does to
-/// the model.
+/// The program's first window: sidebar, header with the state menu and the search field, the
+/// screen, message line, and the disclaimer's footer. It shows what the model says and hands what
+/// the user does to the model.
 class MainWindow final : public QMainWindow
 {
     Q_OBJECT
@@ -53,6 +53,7 @@ private:
     void showPage();
     void showTitle();
     void showMessage();
+    void showWork();
     void showDisclaimer();
     /// Makes the form window when a form is opened for the first time; it shows itself.
     void openFormWindow();

@@ -16,12 +16,6 @@ using namespace Qt::Literals::StringLiterals;
 namespace {
 const QString cannotOpenSaved = u"This saved PDF could not be opened."_s;
 
-/// True for what the program has no copy of: it opens in the browser alone.
-bool opensInBrowser(const QSEntry &entry)
-{
-    return !QSKinds::info(entry.kind).downloads || entry.browserOnly;
-}
-
 /// An official form that was fetched, as it came off the network.
 struct Fetched
 {
@@ -74,16 +68,16 @@ void AppModel::showEntry(const QString &id)
     if (!entry || !show(Screen::forms)) {
         return;
     }
+    setFormCategory(std::nullopt); // first, so that the list is never empty meanwhile
     if (std::ranges::find(QSDirectory::covered, entry->j) != QSDirectory::covered.end()) {
         setState(entry->j);
     }
-    setFormCategory(std::nullopt);
     selectEntry(id);
 }
 
 void AppModel::open(const QSEntry &entry)
 {
-    if (opensInBrowser(entry)) {
+    if (entry.opensInBrowser()) {
         browse(entry.url);
         return;
     }
@@ -277,6 +271,7 @@ void AppModel::openSession(const OpenPDF &form)
 {
     if (closeForm()) {
         m_openPDF.emplace(form);
+        setMessage(std::nullopt); // what was said before is of another form
         Q_EMIT openPDFChanged();
     }
 }

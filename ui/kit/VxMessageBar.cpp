@@ -3,16 +3,33 @@
 #include "VxIcon.h"
 #include "VxText.h"
 
-#include <QAccessible>
+#include <QAccessibleWidget>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QToolButton>
 
+#include <memory>
 #include <utility>
 
 using namespace Qt::Literals::StringLiterals;
+
+namespace {
+/// Screen readers on this desktop hear of a notification that is shown, and of no alert.
+class Notification final : public QAccessibleWidget
+{
+public:
+    explicit Notification(VxMessageBar *bar) : QAccessibleWidget(bar, QAccessible::Notification) {}
+};
+
+/// The caller owns it.
+QAccessibleInterface *accessible(const QString &, QObject *object)
+{
+    auto *bar = qobject_cast<VxMessageBar *>(object);
+    return bar ? std::make_unique<Notification>(bar).release() : nullptr;
+}
+} // namespace
 
 VxMessageBar::VxMessageBar(QWidget *parent)
     : QFrame(parent),
@@ -23,6 +40,7 @@ VxMessageBar::VxMessageBar(QWidget *parent)
       m_dismiss(new QToolButton(this)),
       m_stop(new QPushButton(u"Stop"_s, this))
 {
+    QAccessible::installFactory(accessible); // once, however often it is called
     setObjectName(u"message"_s);
     const int em = fontMetrics().height();
     m_icon->setPixmap(VxIcon::named(u"info.circle.fill"_s).pixmap(em, em));
@@ -46,17 +64,13 @@ VxMessageBar::VxMessageBar(QWidget *parent)
     hide();
 }
 
-void VxMessageBar::display(const QString &message, const Work &work)
+void VxMessageBar::displayMessage(const QString &message)
 {
-    if (m_text->text() != message) {
-        m_text->setText(message);
-        announce(message);
-    }
+    m_text->setText(message);
     for (QWidget *part : std::initializer_list<QWidget *>{m_icon, m_text, m_dismiss}) {
         part->setVisible(!message.isEmpty());
     }
-    displayWork(work);
-    setVisible(!message.isEmpty() || !work.text.isEmpty());
+    showWith(message);
 }
 
 void VxMessageBar::displayWork(const Work &work)
@@ -73,17 +87,20 @@ void VxMessageBar::displayWork(const Work &work)
     }
     m_stop->setVisible(work.stoppable);
     m_stop->setAccessibleName(u"Stop: %1"_s.arg(work.text));
-    if (std::exchange(m_workText, work.text) != work.text) {
-        announce(work.text);
-    }
+    const bool isNews = std::exchange(m_workText, work.text) != work.text;
+    showWith(isNews ? work.text : QString());
 }
 
-void VxMessageBar::announce(const QString &text)
+void VxMessageBar::showWith(const QString &news)
 {
-    if (text.isEmpty()) {
-        return;
+    const bool wasVisible = isVisible();
+    if (!news.isEmpty()) {
+        setAccessibleName(news);
     }
-    setAccessibleName(text);
-    QAccessibleEvent event(this, QAccessible::Alert);
-    QAccessible::updateAccessibility(&event);
+    setVisible(!m_text->text().isEmpty() || !m_workText.isEmpty());
+    // a notification is read out when it comes up, which Qt tells itself where it was hidden
+    if (!news.isEmpty() && wasVisible && isActiveWindow()) {
+        QAccessibleEvent event(this, QAccessible::ObjectShow);
+        QAccessible::updateAccessibility(&event);
+    }
 }

@@ -26,9 +26,11 @@ public:
 
     explicit VxMessageBar(QWidget *parent = nullptr);
 
-    /// The sentence to show, empty for none, and the work. Each is read out when it changes; how
-    /// far the work is, is not.
-    void display(const QString &message, const Work &work);
+    /// The sentence to show, empty for none. In the active window screen readers read it out, each
+    /// time that it is displayed: saving once more says once more that it worked.
+    void displayMessage(const QString &message);
+    /// The work. Its text is read out when it changes; how far the work is, is not.
+    void displayWork(const Work &work);
 
 Q_SIGNALS:
     /// The user has read the sentence.
@@ -37,8 +39,8 @@ Q_SIGNALS:
     void stopWanted();
 
 private:
-    void displayWork(const Work &work);
-    void announce(const QString &text);
+    /// Shows the bar while it has something to show. The news is read out.
+    void showWith(const QString &news);
 
     QLabel *m_icon;
     QLabel *m_text;

@@ -7,6 +7,8 @@
 #include <QTableView>
 #include <QVBoxLayout>
 
+#include <functional>
+
 using namespace Qt::Literals::StringLiterals;
 
 DocumentsView::DocumentsView(AppModel &model, QWidget *parent)
@@ -36,7 +38,7 @@ void DocumentsView::connectDocuments()
     const auto withSelected = [this](void (AppModel::*action)(const QSDocument &)) {
         return [this, action] {
             if (const auto document = m_documents.recordAt(m_documentList->selectedRow())) {
-                (m_model.*action)(*document);
+                std::invoke(action, m_model, *document);
             }
         };
     };
@@ -56,7 +58,7 @@ void DocumentsView::connectFilledPDFs()
     const auto withSelected = [this](void (AppModel::*action)(const QSFilledPDF &)) {
         return [this, action] {
             if (const auto record = m_filledPDFs.recordAt(m_filledList->selectedRow())) {
-                (m_model.*action)(*record);
+                std::invoke(action, m_model, *record);
             }
         };
     };

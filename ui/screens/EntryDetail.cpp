@@ -10,7 +10,7 @@
 #include "VxText.h"
 
 #include <QAbstractTextDocumentLayout>
-#include <QFormLayout>
+#include <QGridLayout>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLocale>
@@ -50,8 +50,8 @@ QString details(const QSEntry &entry, const std::optional<QSCacheMeta> &copy)
 
 std::optional<QSCacheMeta> savedCopy(const QSEntry &entry)
 {
-    return !EntryLook::opensInBrowser(entry) && QSCache::hasCopy(entry) ? QSCache::meta(entry.id)
-                                                                        : std::nullopt;
+    return !entry.opensInBrowser() && QSCache::hasCopy(entry) ? QSCache::meta(entry.id)
+                                                              : std::nullopt;
 }
 
 /// A text to read and to copy from, as tall as it is: the pane around it scrolls.
@@ -124,7 +124,7 @@ EntryDetail::Line EntryDetail::addLine(QVBoxLayout *column)
     auto *row = new QHBoxLayout;
     column->addLayout(row);
     const Line line{new QLabel(this), VxText::make({}, VxText::Role::body, this)};
-    row->addWidget(line.icon, 0, Qt::AlignTop);
+    row->addWidget(line.lead, 0, Qt::AlignTop);
     row->addWidget(line.text, 1);
     return line;
 }
@@ -146,16 +146,20 @@ void EntryDetail::createButtons(QVBoxLayout *column)
 
 void EntryDetail::createFacts(QVBoxLayout *column)
 {
-    m_facts = new QFormLayout;
-    m_facts->setHorizontalSpacing(fontMetrics().height());
-    column->addLayout(m_facts);
-    const auto add = [this](const QString &name) {
-        QLabel *fact = VxText::make({}, VxText::Role::body, this);
-        fact->setTextInteractionFlags(Qt::TextSelectableByMouse);
-        QLabel *label = VxText::make(name, VxText::Role::note, this);
-        label->setWordWrap(false);
-        label->setBuddy(fact);
-        m_facts->addRow(label, fact);
+    // no QFormLayout: with rows hidden, Qt's writes past the end of its memory
+    auto *facts = new QGridLayout;
+    facts->setHorizontalSpacing(fontMetrics().height());
+    facts->setColumnStretch(1, 1);
+    column->addLayout(facts);
+    const auto add = [this, facts](const QString &name) {
+        const Line fact{VxText::make(name, VxText::Role::note, this),
+                        VxText::make({}, VxText::Role::body, this)};
+        fact.lead->setWordWrap(false);
+        fact.lead->setBuddy(fact.text);
+        fact.text->setTextInteractionFlags(Qt::TextSelectableByMouse);
+        const int row = facts->rowCount();
+        facts->addWidget(fact.lead, row, 0, Qt::AlignTop);
+        facts->addWidget(fact.text, row, 1);
         return fact;
     };
     m_number = add(u"Form number"_s);
@@ -185,20 +189,25 @@ void EntryDetail::connectActions()
 {
     connect(m_main, &QPushButton::clicked, this, [this] {
         const QSEntry entry = *m_entry;
-        if (!EntryLook::opensInBrowser(entry)) {
-            m_opening = entry.id;
+        if (entry.id == m_opening) { // it would only begin its way again
+            return;
         }
+        m_opening = entry.opensInBrowser() ? QString() : entry.id;
         m_model.open(entry);
-        enableButtons();
+        forgetOpened();
     });
     connect(m_page, &QPushButton::clicked, this, [this] { m_model.openOfficialPage(*m_entry); });
-    connect(m_recheck, &QPushButton::clicked, this, [this] { m_model.recheck(*m_entry); });
+    connect(m_recheck, &QPushButton::clicked, this, [this] {
+        if (!m_model.busy()) {
+            m_model.recheck(*m_entry);
+        }
+    });
     connect(m_showCopy, &QPushButton::clicked, this, [this] { m_model.showSavedCopy(*m_entry); });
     connect(m_more, &QToolButton::toggled, this, [this](bool open) {
         m_more->setArrowType(open ? Qt::DownArrow : Qt::RightArrow);
         m_details->setVisible(open);
     });
-    connect(&m_model, &AppModel::busyChanged, this, &EntryDetail::enableButtons);
+    connect(&m_model, &AppModel::busyChanged, this, &EntryDetail::forgetOpened);
 }
 
 void EntryDetail::display(const QSEntry *entry)
@@ -216,9 +225,9 @@ void EntryDetail::display(const QSEntry *entry)
     const QSStatus::S status = m_model.linkStatus(*entry);
     m_title->setText(entry->displayTitle());
     m_agency->setText(entry->agency);
-    m_kind.icon->setPixmap(EntryLook::kindIcon(*entry).pixmap(em, em));
+    m_kind.lead->setPixmap(EntryLook::kindIcon(*entry).pixmap(em, em));
     m_kind.text->setText(EntryLook::kind(*entry));
-    m_status.icon->setPixmap(EntryLook::statusIcon(status).pixmap(em, em));
+    m_status.lead->setPixmap(EntryLook::statusIcon(status).pixmap(em, em));
     m_status.text->setText(status.text);
     m_note->setText(entry->note);
     m_note->setVisible(!entry->note.isEmpty());
@@ -229,15 +238,13 @@ void EntryDetail::display(const QSEntry *entry)
     m_officeHeading->setVisible(office.has_value());
     m_office->setVisible(office.has_value());
     displayFacts(savedCopy(*entry));
-    enableButtons();
 }
 
 void EntryDetail::displayFacts(const std::optional<QSCacheMeta> &copy)
 {
-    m_hasCopy = copy.has_value();
     setFact(m_number, m_entry->number);
     setFact(m_revision, m_entry->rev);
-    const bool downloads = !EntryLook::opensInBrowser(*m_entry);
+    const bool downloads = !m_entry->opensInBrowser();
     setFact(m_downloaded, !downloads ? QString()
                           : copy     ? QSDate::stamp(copy->downloadedAt)
                                      : u"Not downloaded yet"_s);
@@ -245,30 +252,28 @@ void EntryDetail::displayFacts(const std::optional<QSCacheMeta> &copy)
             !downloads ? QString()
             : copy ? american.formattedDataSize(copy->bytes, 1, QLocale::DataSizeTraditionalFormat)
                    : u"None"_s);
-    m_recheck->setVisible(downloads);
-    m_showCopy->setVisible(downloads);
+    for (QPushButton *button : {m_recheck, m_showCopy}) {
+        button->setVisible(downloads);
+        button->setEnabled(copy.has_value());
+    }
     const QString more = details(*m_entry, copy);
     if (m_details->toPlainText() != more) { // what is selected in it stays
         m_details->setPlainText(more);
     }
 }
 
-void EntryDetail::setFact(QLabel *fact, const QString &value)
+void EntryDetail::setFact(const Line &fact, const QString &value)
 {
-    fact->setText(value);
-    m_facts->setRowVisible(fact, !value.isEmpty());
+    fact.text->setText(value);
+    fact.lead->setVisible(!value.isEmpty());
+    fact.text->setVisible(!value.isEmpty());
 }
 
-void EntryDetail::enableButtons()
+void EntryDetail::forgetOpened()
 {
-    const bool busy = m_model.busy().has_value();
-    if (!busy) {
+    if (!m_model.busy()) {
         m_opening.clear();
     }
-    // another form may be asked for instead; the same one would only begin its way again
-    m_main->setEnabled(m_entry && m_entry->id != m_opening);
-    m_recheck->setEnabled(m_hasCopy && !busy);
-    m_showCopy->setEnabled(m_hasCopy);
 }
 
 void EntryDetail::act()

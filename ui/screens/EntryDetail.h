@@ -7,7 +7,6 @@
 #include <optional>
 
 class AppModel;
-class QFormLayout;
 class QLabel;
 class QPushButton;
 class QTextEdit;
@@ -16,7 +15,8 @@ class QVBoxLayout;
 struct QSCacheMeta;
 
 /// One official form: what it is, how its link stands, where it is filed, what is known about the
-/// saved copy, and what can be done with it.
+/// saved copy, and what can be done with it. A button keeps the keyboard while what it asked for is
+/// under way, and does nothing meanwhile.
 class EntryDetail final : public QScrollArea
 {
     Q_OBJECT
@@ -26,14 +26,14 @@ public:
 
     /// Shows an entry as it stands now; for null, what to do to see one.
     void display(const QSEntry *entry);
-    /// Does what the main button does, if that is enabled.
+    /// Does what the main button does.
     void act();
 
 private:
-    /// A text with an icon before it.
+    /// A text with what stands before it: an icon, or what the text is about.
     struct Line
     {
-        QLabel *icon;
+        QLabel *lead;
         QLabel *text;
     };
 
@@ -44,13 +44,12 @@ private:
     void createMore(QVBoxLayout *column);
     void connectActions();
     void displayFacts(const std::optional<QSCacheMeta> &copy);
-    void setFact(QLabel *fact, const QString &value);
-    void enableButtons();
+    static void setFact(const Line &fact, const QString &value);
+    void forgetOpened();
 
     AppModel &m_model;
     std::optional<QSEntry> m_entry;
     QString m_opening; ///< id of the form on its way, while the model is busy with it
-    bool m_hasCopy = false;
 
     QLabel *m_hint;
     QWidget *m_content;
@@ -65,11 +64,10 @@ private:
     QPushButton *m_showCopy = nullptr;
     QLabel *m_officeHeading = nullptr;
     QLabel *m_office = nullptr;
-    QFormLayout *m_facts = nullptr;
-    QLabel *m_number = nullptr;
-    QLabel *m_revision = nullptr;
-    QLabel *m_downloaded = nullptr;
-    QLabel *m_copy = nullptr;
+    Line m_number{};
+    Line m_revision{};
+    Line m_downloaded{};
+    Line m_copy{};
     QToolButton *m_more = nullptr;
     QTextEdit *m_details = nullptr;
 };

@@ -136,4 +136,18 @@ void EntryList::resizeEvent(QResizeEvent *event)
     if (event->size().width() != event->oldSize().width()) {
         scheduleDelayedItemsLayout();
     }
+    scrollTo(currentIndex()); // what was scrolled to while the list had another size
+}
+
+QModelIndex EntryList::moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers)
+{
+    if (action != MoveHome) {
+        return QListView::moveCursor(action, modifiers);
+    }
+    scrollToTop();
+    QModelIndex first = model()->index(0, 0);
+    while (first.isValid() && !first.flags().testFlag(Qt::ItemIsEnabled)) {
+        first = first.siblingAtRow(first.row() + 1);
+    }
+    return first;
 }

@@ -13,6 +13,9 @@ public:
     explicit EntryList(QWidget *parent = nullptr);
 
 protected:
-    /// How tall a row is depends on the width.
+    /// The first row, a heading, can't be selected: Home goes to the first that can, with the
+    /// headings above it in view.
+    QModelIndex moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) override;
+    /// How tall a row is depends on the width. The selected one stays in view.
     void resizeEvent(QResizeEvent *event) override;
 };

@@ -14,14 +14,9 @@ constexpr std::array<QRgb, 3> levelColours = {0, 0xFFFFD166, 0xFFFFA8A0};
 } // namespace
 
 namespace EntryLook {
-bool opensInBrowser(const QSEntry &entry)
-{
-    return entry.browserOnly || !QSKinds::info(entry.kind).downloads;
-}
-
 QString mainAction(const QSEntry &entry)
 {
-    if (opensInBrowser(entry)) {
+    if (entry.opensInBrowser()) {
         return u"Open in browser"_s;
     }
     return entry.kind == QSKind::pdf && entry.fillable ? u"Open, fill & print"_s

@@ -9,8 +9,6 @@ struct QSEntry;
 
 /// How an entry of the directory is worded and marked wherever it is shown.
 namespace EntryLook {
-/// True for what opens in the browser and has no copy here.
-[[nodiscard]] bool opensInBrowser(const QSEntry &entry);
 /// What the button that opens it says, with "&" for a plain ampersand.
 [[nodiscard]] QString mainAction(const QSEntry &entry);
 /// "Official PDF · print and fill by hand"

@@ -40,13 +40,18 @@ void attach(QPushButton *button, QObject *context,
     fill(attachMenu(button), context, chosen);
 }
 
-void attachForForm(QPushButton *button, QObject *context,
-                   const std::function<void(AppModel::FormExport)> &chosen)
+void fillForForm(QMenu *menu, QObject *context,
+                 const std::function<void(AppModel::FormExport)> &chosen)
 {
-    QMenu *menu = attachMenu(button);
     for (const auto &[how, label] : formExports) {
         QObject::connect(menu->addAction(label.toString()), &QAction::triggered, context,
                          [how = how, chosen] { chosen(how); });
     }
+}
+
+void attachForForm(QPushButton *button, QObject *context,
+                   const std::function<void(AppModel::FormExport)> &chosen)
+{
+    fillForForm(attachMenu(button), context, chosen);
 }
 } // namespace ExportMenu

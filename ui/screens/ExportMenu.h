@@ -17,7 +17,9 @@ void fill(QMenu *menu, QObject *context, const std::function<void(QSExport::Form
 /// Gives a button the menu of a document's formats.
 void attach(QPushButton *button, QObject *context,
             const std::function<void(QSExport::Format)> &chosen);
-/// The same for a filled form.
+/// The same two for a filled form.
+void fillForForm(QMenu *menu, QObject *context,
+                 const std::function<void(AppModel::FormExport)> &chosen);
 void attachForForm(QPushButton *button, QObject *context,
                    const std::function<void(AppModel::FormExport)> &chosen);
 } // namespace ExportMenu

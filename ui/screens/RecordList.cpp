@@ -55,10 +55,8 @@ QWidget *RecordList::createButtons()
     auto *bar = new QWidget(this);
     auto *row = new QHBoxLayout(bar);
     row->setContentsMargins({});
-    const auto add = [bar, row](const QString &text, const QString &symbol) {
-        QPushButton *button = VxButton::make(text, symbol, bar);
-        row->addWidget(button);
-        return button;
+    const auto add = [row](const QString &text, const QString &symbol) {
+        return VxButton::add(row, text, symbol);
     };
     m_open = add(u"Open"_s, u"doc.text.fill"_s);
     m_export = add(u"Export"_s, u"square.and.arrow.up"_s);
@@ -71,6 +69,7 @@ QWidget *RecordList::createButtons()
 void RecordList::connectActions()
 {
     connect(m_open, &QPushButton::clicked, this, &RecordList::openWanted);
+    m_table->setTextElideMode(Qt::ElideMiddle); // names of copies differ at their ends
     connect(m_table, &QTableView::activated, this, &RecordList::openWanted);
     connect(m_print, &QPushButton::clicked, this, &RecordList::printWanted);
     connect(m_delete, &QPushButton::clicked, this, &RecordList::deleteWanted);
