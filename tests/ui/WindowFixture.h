@@ -3,28 +3,16 @@
 #include "AppModel.h"
 #include "FakeDesktop.h"
 #include "MainWindow.h"
-#include "QSThemes.h"
 #include "ScratchUser.h"
-#include "VellStyle.h"
-
-#include <QApplication>
-#include <QLabel>
-#include <QPushButton>
-#include <QTest>
+#include "WindowHand.h"
 
 #include <memory>
 
-/// The program's window on a scratch user's empty database, with what a test of it needs: keys go
-/// to what has the keyboard, and widgets are found by what a person sees or hears of them.
-class WindowFixture
+/// The program's window on a scratch user's empty database.
+class WindowFixture : protected WindowHand
 {
 protected:
-    static void setLook()
-    {
-        VellThemes::registerThemes(QSThemes::extras());
-        VellThemes::setDefaultID(QSThemes::graphiteID);
-        VellStyle::apply(*qApp, VellThemes::current());
-    }
+    [[nodiscard]] QWidget *window() const override { return m_window.get(); }
 
     /// False when the window does not come up.
     [[nodiscard]] bool begin()
@@ -60,61 +48,6 @@ protected:
         m_model.reset();
         QSStore::setShared(nullptr);
         m_user.reset();
-    }
-
-    static QWidget *focused() { return QApplication::focusWidget(); }
-
-    void press(Qt::Key key, Qt::KeyboardModifiers modifiers = {}) const
-    {
-        QTest::keyClick(focused() ? focused() : m_window.get(), key, modifiers);
-    }
-
-    /// The widget of that accessible name.
-    template <typename Widget = QWidget>
-    [[nodiscard]] Widget *named(const QString &accessibleName) const
-    {
-        for (Widget *widget : m_window->findChildren<Widget *>()) {
-            if (widget->accessibleName() == accessibleName) {
-                return widget;
-            }
-        }
-        qFatal("no %s", qPrintable(accessibleName));
-    }
-
-    /// The first visible widget of a class.
-    template <typename Widget>
-    [[nodiscard]] Widget *shown() const
-    {
-        for (Widget *widget : m_window->findChildren<Widget *>()) {
-            if (widget->isVisible()) {
-                return widget;
-            }
-        }
-        return nullptr;
-    }
-
-    /// The visible button that shows this text, ampersands and all.
-    [[nodiscard]] QPushButton *button(const QString &text) const
-    {
-        const QString written = QString(text).replace(u'&', QStringLiteral("&&"));
-        for (QPushButton *each : m_window->findChildren<QPushButton *>()) {
-            if (each->text() == written && each->isVisible()) {
-                return each;
-            }
-        }
-        qFatal("no button %s", qPrintable(text));
-    }
-
-    /// What the visible labels say.
-    [[nodiscard]] QStringList texts() const
-    {
-        QStringList found;
-        for (const QLabel *label : m_window->findChildren<QLabel *>()) {
-            if (label->isVisible()) {
-                found.append(label->text());
-            }
-        }
-        return found;
     }
 
     std::unique_ptr<ScratchUser> m_user;

@@ -1,27 +1,15 @@
 #include "../pdf/SmallPDF.h"
-#include "AppModel.h"
-#include "FakeDesktop.h"
-#include "QSThemes.h"
-#include "ScratchUser.h"
+#include "FormWindowFixture.h"
 #include "TestFiles.h"
-#include "VellStyle.h"
-#include "formwindow/FieldControl.h"
-#include "formwindow/FormView.h"
-#include "formwindow/FormWindow.h"
-#include "formwindow/PageList.h"
 
 #include <QBuffer>
 #include <QClipboard>
 #include <QComboBox>
 #include <QDir>
-#include <QLabel>
-#include <QLineEdit>
 #include <QListWidget>
 #include <QMenuBar>
 #include <QPainter>
 #include <QPdfWriter>
-#include <QPlainTextEdit>
-#include <QPushButton>
 #include <QScrollBar>
 #include <QWheelEvent>
 
@@ -29,8 +17,10 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace {
 constexpr int save = 0;
-constexpr int dontSave = 1;
 constexpr int cancel = 2;
+
+const QHash<QChar, Qt::Key> keysOfSigns = {
+    {u'\n', Qt::Key_Return}, {u'\u2190', Qt::Key_Left}, {u'\u2193', Qt::Key_Down}};
 
 /// One field of every kind; ids are positions.
 enum Field { name, code, lines, cat, dog, boxA, boxB, state, other, colours, fixed, fieldCount };
@@ -64,34 +54,19 @@ QByteArray withoutFields()
 } // namespace
 
 /// The form window as a person uses it; what is checked is what the model's document holds.
-class TestFormWindow final : public QObject
+class TestFormWindow final : public QObject, private FormWindowFixture
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase()
-    {
-        VellThemes::registerThemes(QSThemes::extras());
-        VellThemes::setDefaultID(QSThemes::graphiteID);
-        VellStyle::apply(*qApp, VellThemes::current());
-    }
+    void initTestCase() { setLook(); }
 
-    void init()
-    {
-        m_user = std::make_unique<ScratchUser>();
-        QSStore::setShared(std::make_unique<QSStore>(QSInfo::databaseURL()));
-        m_desktop = std::make_unique<FakeDesktop>();
-        m_model = std::make_unique<AppModel>(*m_desktop);
-        m_window = std::make_unique<FormWindow>(*m_model);
-    }
+    void init() { begin(); }
 
     void cleanup()
     {
         QVERIFY2(m_desktop->settled(), qPrintable(m_desktop->unexpected.join(u'\n')));
-        m_window.reset();
-        m_model.reset();
-        QSStore::setShared(nullptr);
-        m_user.reset();
+        end();
     }
 
     void typingReachesTheDocument_data()
@@ -104,11 +79,16 @@ private Q_SLOTS:
         QTest::newRow("several lines") << int(lines) << u"a\nb"_s << u"a\nb"_s;
         QTest::newRow("several lines within the limit")
             << int(lines) << u"abcdefghijk"_s << u"abcdefghi"_s;
+        QTest::newRow("a space that doesn't break") << int(lines) << u"a\u00A0b"_s << u"a\u00A0b"_s;
         QTest::newRow("a radio button") << int(dog) << u" "_s << u"on"_s;
         QTest::newRow("a radio button off again") << int(dog) << u"  "_s << u"off"_s;
         QTest::newRow("a check box") << int(boxA) << u" "_s << u"on"_s;
         QTest::newRow("a choice by its first letter") << int(state) << u"T"_s << u"1"_s;
         QTest::newRow("a text of one's own") << int(other) << u"Tw"_s << u"Tw"_s;
+        QTest::newRow("in the middle of one's own text")
+            << int(other) << u"Ad\u2190bc"_s << u"Abcd"_s;
+        QTest::newRow("in the middle of a choice")
+            << int(other) << u"\u2193\u2190xy"_s << u"Onxye"_s;
         QTest::newRow("two of a list") << int(colours) << u"rb"_s << u"0 1"_s;
     }
 
@@ -119,8 +99,8 @@ private Q_SLOTS:
         open(everyKind());
         m_view->focusField(field, Qt::TabFocusReason);
         for (const QChar key : keys) {
-            if (key == u'\n') {
-                press(Qt::Key_Return);
+            if (keysOfSigns.contains(key)) {
+                press(keysOfSigns.value(key));
             } else {
                 QTest::keyClick(focused(), key.toLatin1());
             }
@@ -214,7 +194,7 @@ private Q_SLOTS:
             const QPoint middle = focused()->rect().center();
             QVERIFY(
                 m_view->viewport()->rect().contains(focused()->mapTo(m_view->viewport(), middle)));
-            if (auto *line = qobject_cast<QLineEdit *>(focused()); line && line->maxLength() > 1) {
+            if (auto *line = qobject_cast<QLineEdit *>(focused())) {
                 QTest::keyClicks(line, u"7"_s);
                 QVERIFY(document().value(walked.last()).text.contains(u'7'));
             }
@@ -236,6 +216,34 @@ private Q_SLOTS:
             QCOMPARE(m_view->control(field)->widget()->toolTip(), text);
         }
         QVERIFY(!m_view->control(fixed)->widget()->isEnabled());
+        m_model->closeForm();
+    }
+
+    void buttonsAreToldApartByTheWordsBesideThem()
+    {
+        const QByteArray kid = "/Parent 7 0 R/AP<</N<</";
+        const QByteArray words =
+            "BT /F 8 Tf 1 0 0 1 34 181 Tm (Cat or) Tj 60 0 Td (Far away) Tj -84 -20 Td (Dog) Tj "
+            "24 -20 Td (Yes) Tj 0 -20 Td (Yes) Tj ET";
+        QByteArray pdf = smallPDF(
+            {"/FT/Btn/T(c1)/Rect[20 140 30 150]", "/FT/Btn/T(c2)/Rect[20 120 30 130]",
+             "/FT/Btn/T(c3)/TU(Smoker)/Rect[60 140 70 150]",
+             "/FT/Btn/T(r)/TU(Pet)/Ff 49152/Kids[8 0 R 9 0 R 10 0 R]",
+             kid + "1 3 0 R>>>>/Rect[20 180 30 190]", kid + "2 3 0 R>>>>/Rect[30 160 40 170]",
+             kid + "Fish 3 0 R>>>>/Rect[20 20 30 30]",
+             "/Type/Font/Subtype/Type1/BaseFont/Helvetica/Parent 7 0 R"},
+            "/Contents 12 0 R/Resources<</Font<</F 11 0 R>>>>");
+        pdf.insert(pdf.indexOf("trailer"), "12 0 obj <</Length " +
+                                               QByteArray::number(words.size()) + ">> stream\n" +
+                                               words + "\nendstream endobj\n");
+        open(pdf);
+        QStringList names;
+        for (const FormField &field : document().fields()) {
+            names.append(m_view->control(field.id)->widget()->accessibleName());
+        }
+        const QStringList expected = {u"Yes, 1 of 2"_s, u"Yes, 2 of 2"_s, u"Smoker"_s,
+                                      u"Pet: Cat or"_s, u"Pet: Dog"_s,    u"Pet: Fish"_s};
+        QCOMPARE(names, expected);
         m_model->closeForm();
     }
 
@@ -299,17 +307,17 @@ private Q_SLOTS:
         open(everyKind());
         m_view->focusField(state, Qt::TabFocusReason);
         QTest::keyClick(focused(), 'O');
-        m_view->zoomToPaper();
-        for (int i = 0; i < 6; ++i) {
+        for (int i = 0; i < 12; ++i) {
             m_view->zoomIn();
         }
-        const int before = m_view->verticalScrollBar()->value();
         QWidget *combo = m_view->control(state)->widget();
+        m_view->verticalScrollBar()->setValue(0);
         QWheelEvent turn(combo->rect().center(), combo->mapToGlobal(combo->rect().center()), {},
                          {0, -120}, {}, {}, Qt::NoScrollPhase, false);
-        QApplication::sendEvent(combo, &turn);
+        QSpontaneKeyEvent::setSpontaneous(&turn); // only a person's goes on to what lies below
+        qApp->notify(combo, &turn);
         QCOMPARE(held(state), u"0"_s);
-        QVERIFY(m_view->verticalScrollBar()->value() >= before);
+        QVERIFY(m_view->verticalScrollBar()->value() > 0);
         discard();
     }
 
@@ -379,6 +387,38 @@ private Q_SLOTS:
         }
     }
 
+    void whatIsBeingComposedIsKept_data()
+    {
+        QTest::addColumn<int>("field");
+        QTest::newRow("in a line") << int(name);
+        QTest::newRow("in several lines") << int(lines);
+        QTest::newRow("in a choice") << int(other);
+    }
+
+    /// No input method runs here, so that none commits what it composes.
+    void whatIsBeingComposedIsKept()
+    {
+        QFETCH(const int, field);
+        open(everyKind());
+        const auto compose = [field, this] {
+            m_view->focusField(field, Qt::TabFocusReason);
+            QInputMethodEvent composing(u"\u304B"_s, {});
+            QApplication::sendEvent(focused(), &composing);
+        };
+        compose();
+        QCOMPARE(held(field), QString());
+        QVERIFY(m_model->saveForm());
+        QCOMPARE(held(field), u"\u304B"_s);
+        compose();
+        m_desktop->answers = {cancel};
+        QVERIFY(!m_window->close());
+        QCOMPARE(held(field), u"\u304B\u304B"_s);
+        compose();
+        m_pages->setFocus();
+        QCOMPARE(held(field), u"\u304B\u304B\u304B"_s);
+        discard();
+    }
+
     void aPDFWithoutFieldsSaysSo()
     {
         open(withoutFields());
@@ -406,112 +446,6 @@ private Q_SLOTS:
         QVERIFY(!m_window->isWindowModified());
         m_model->closeForm();
     }
-
-private:
-    void open(const QByteArray &pdf)
-    {
-        const QSFilledPDF record =
-            QSStore::shared()->saveFilledPDF(u"us-test"_s, u"Test form"_s, pdf);
-        m_model->openSaved(record);
-        QTRY_VERIFY(m_model->openPDF());
-        find();
-    }
-
-    void find()
-    {
-        m_view = m_window->findChild<FormView *>();
-        m_pages = m_window->findChild<PageList *>();
-        QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
-    }
-
-    /// Closes what a test has changed.
-    void discard()
-    {
-        if (m_window->isWindowModified()) {
-            m_desktop->answers = {dontSave};
-        }
-        QVERIFY(m_model->closeForm());
-    }
-
-    [[nodiscard]] QSPDFDocument &document() const { return m_model->openPDF()->document(); }
-
-    /// What the document holds in a field, as text.
-    [[nodiscard]] QString held(int field) const
-    {
-        const FormField::Kind kind = document().fields().at(field).kind;
-        const FormValue value = document().value(field);
-        if (kind == FormField::Kind::checkBox || kind == FormField::Kind::radio) {
-            return value.on ? u"on"_s : u"off"_s;
-        }
-        QStringList chosen;
-        for (const int row : value.chosen) {
-            chosen.append(QString::number(row));
-        }
-        return chosen.isEmpty() ? value.text : chosen.join(u' ');
-    }
-
-    [[nodiscard]] QString shownIn(int field) const
-    {
-        QWidget *widget = m_view->control(field)->widget();
-        if (auto *line = qobject_cast<QLineEdit *>(widget)) {
-            return line->text();
-        }
-        return qobject_cast<QPlainTextEdit *>(widget)->toPlainText();
-    }
-
-    /// The field that has the keyboard, or -1.
-    [[nodiscard]] int openField() const
-    {
-        for (const FormField &field : document().fields()) {
-            const FieldControl *control = m_view->control(field.id);
-            if (control && control->isOpen()) {
-                return field.id;
-            }
-        }
-        return -1;
-    }
-
-    /// The first page as it is on the screen.
-    [[nodiscard]] QImage paper() const
-    {
-        return m_view->control(0)->widget()->parentWidget()->grab().toImage();
-    }
-
-    static QWidget *focused() { return QApplication::focusWidget(); }
-
-    void press(Qt::Key key, Qt::KeyboardModifiers modifiers = {}) const
-    {
-        QTest::keyClick(focused() ? focused() : m_window.get(), key, modifiers);
-    }
-    void undo() const { press(Qt::Key_Z, Qt::ControlModifier); }
-
-    [[nodiscard]] QPushButton *button(const QString &text) const
-    {
-        for (QPushButton *each : m_window->findChildren<QPushButton *>()) {
-            if (each->text() == text) {
-                return each;
-            }
-        }
-        qFatal("no button %s", qPrintable(text));
-    }
-
-    [[nodiscard]] QStringList texts() const
-    {
-        QStringList found;
-        for (const QLabel *label : m_window->findChildren<QLabel *>()) {
-            if (label->isVisible()) {
-                found.append(label->text());
-            }
-        }
-        return found;
-    }
-
-    std::unique_ptr<ScratchUser> m_user;
-    std::unique_ptr<FakeDesktop> m_desktop;
-    std::unique_ptr<AppModel> m_model;
-    std::unique_ptr<FormWindow> m_window;
-    FormView *m_view = nullptr;
-    PageList *m_pages = nullptr;
 };
 
 QTEST_MAIN(TestFormWindow)

@@ -4,6 +4,8 @@
 
 #include <QAction>
 #include <QContextMenuEvent>
+#include <QGuiApplication>
+#include <QInputMethod>
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QMenu>
@@ -119,6 +121,16 @@ void FieldControl::setOpen(bool open)
     }
 }
 
+void FieldControl::commitInput()
+{
+    if (!m_composed.isEmpty()) {
+        QInputMethodEvent typed;
+        typed.setCommitString(m_composed);
+        QCoreApplication::sendEvent(m_widget, &typed);
+        QGuiApplication::inputMethod()->reset();
+    }
+}
+
 bool FieldControl::eventFilter(QObject *watched, QEvent *event)
 {
     switch (event->type()) {
@@ -127,7 +139,11 @@ bool FieldControl::eventFilter(QObject *watched, QEvent *event)
     case QEvent::FocusIn:
         setOpen(true);
         return false;
+    case QEvent::InputMethod:
+        m_composed = static_cast<QInputMethodEvent *>(event)->preeditString();
+        return false;
     case QEvent::FocusOut: {
+        commitInput(); // the widget would drop what the input method has not committed
         // a menu or the list of a choice is part of editing
         const auto reason = static_cast<QFocusEvent *>(event)->reason();
         setOpen(reason == Qt::PopupFocusReason || reason == Qt::MenuBarFocusReason);

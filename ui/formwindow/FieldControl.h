@@ -25,6 +25,8 @@ public:
     void place(double scale);
     /// Its value is not in the page's drawing yet, so that the control goes on to show it.
     void setPending(bool pending);
+    /// Takes what an input method still composes into the value.
+    void commitInput();
     /// True while the keyboard is in it.
     [[nodiscard]] bool isOpen() const { return m_open; }
     /// True when its text covers the page's drawing, on a ground that the page fills for it.
@@ -59,6 +61,7 @@ private:
     FormField m_field;
     QWidget *m_widget;
     QList<QWidget *> m_parts; ///< whose painting is held back
+    QString m_composed;       ///< by an input method, and not part of the value yet
     bool m_open = false;
     bool m_pending = false;
 };

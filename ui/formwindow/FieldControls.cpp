@@ -131,32 +131,41 @@ AreaControl::AreaControl(const FormField &field, QWidget *page)
 
 void AreaControl::setValue(const FormValue &value)
 {
-    if (m_area->toPlainText() != value.text) {
+    if (text() != value.text) {
         m_shown = value.text;
         m_area->setPlainText(value.text);
         m_area->moveCursor(QTextCursor::End);
     }
 }
 
+QString AreaControl::text() const
+{
+    // toPlainText() would turn no-break spaces into plain ones
+    return m_area->document()
+        ->toRawText()
+        .replace(QChar::ParagraphSeparator, u'\n')
+        .replace(QChar::LineSeparator, u'\n');
+}
+
 void AreaControl::textChanged()
 {
     cutToLimit();
-    const QString text = m_area->toPlainText();
-    if (text != m_shown) {
-        m_shown = text;
-        Q_EMIT edited({.text = text, .on = {}, .chosen = {}});
+    const QString now = text();
+    if (now != m_shown) {
+        m_shown = now;
+        Q_EMIT edited({.text = now, .on = {}, .chosen = {}});
     }
 }
 
 void AreaControl::cutToLimit()
 {
-    QString text = m_area->toPlainText();
+    QString rest = text();
     QTextCursor cursor = m_area->textCursor();
     const int end = cursor.position();
     int start = end;
-    const qsizetype before = text.size();
-    FieldText::cut(text, start, field().maxLength);
-    if (text.size() < before) {
+    const qsizetype before = rest.size();
+    FieldText::cut(rest, start, field().maxLength);
+    if (rest.size() < before) {
         const QSignalBlocker quiet(m_area);
         cursor.setPosition(start);
         cursor.setPosition(end, QTextCursor::KeepAnchor);
@@ -220,10 +229,21 @@ ComboControl::ComboControl(const FormField &field, QWidget *page)
 
 void ComboControl::setValue(const FormValue &value)
 {
+    const int index = value.chosen.isEmpty() ? -1 : value.chosen.constFirst();
+    const QString text = index < 0 ? value.text : m_combo->itemText(index);
+    const bool sameText = m_combo->currentText() == text;
+    if (m_combo->currentIndex() == index && sameText) {
+        return;
+    }
     const QSignalBlocker quiet(m_combo);
-    m_combo->setCurrentIndex(value.chosen.isEmpty() ? -1 : value.chosen.constFirst());
-    if (field().editable && value.chosen.isEmpty() && m_combo->currentText() != value.text) {
-        m_combo->setEditText(value.text);
+    QLineEdit *line = m_combo->lineEdit();
+    const int cursor = line ? line->cursorPosition() : 0;
+    m_combo->setCurrentIndex(index);
+    if (line && index < 0) {
+        line->setText(text);
+        if (sameText) { // typed just now, perhaps into the text of a choice
+            line->setCursorPosition(cursor);
+        }
     }
 }
 

@@ -43,6 +43,7 @@ protected:
     [[nodiscard]] bool scrolls() const override;
 
 private:
+    [[nodiscard]] QString text() const;
     void textChanged();
     void cutToLimit();
 

@@ -4,6 +4,7 @@
 #include "FormEdits.h"
 #include "FormView.h"
 #include "VxIcon.h"
+#include "screens/ExportMenu.h"
 
 #include <QAction>
 #include <QMainWindow>
@@ -34,7 +35,8 @@ void FormCommands::createFileMenu()
     QMenu *menu = m_window->menuBar()->addMenu(u"&File"_s);
     m_save = menu->addAction(VxIcon::named(u"tray.and.arrow.down.fill"_s), {}, key(u"Ctrl+S"),
                              &m_model, [this] { m_model.saveForm(); });
-    fillExport(menu->addMenu(u"&Export"_s));
+    ExportMenu::fillForForm(menu->addMenu(u"&Export"_s), &m_model,
+                            [this](AppModel::FormExport how) { m_model.exportForm(how); });
     menu->addAction(VxIcon::named(u"printer.fill"_s), u"&Print\u2026"_s, key(u"Ctrl+P"), &m_model,
                     [this] { m_model.printForm(); });
     menu->addSeparator();
@@ -80,14 +82,6 @@ void FormCommands::createGoMenu(FormView &view)
     QMenu *menu = m_window->menuBar()->addMenu(u"&Go"_s);
     menu->addAction(u"&Next Page"_s, key(u"Ctrl+PgDown"), &view, &FormView::goToNextPage);
     menu->addAction(u"&Previous Page"_s, key(u"Ctrl+PgUp"), &view, &FormView::goToPreviousPage);
-}
-
-void FormCommands::fillExport(QMenu *menu)
-{
-    menu->addAction(u"Flattened PDF (fields burned in)"_s, &m_model,
-                    [this] { m_model.exportForm(AppModel::FormExport::flattened); });
-    menu->addAction(u"PDF with fields (still editable)"_s, &m_model,
-                    [this] { m_model.exportForm(AppModel::FormExport::editable); });
 }
 
 void FormCommands::setSaveText(const QString &text)

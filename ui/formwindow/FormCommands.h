@@ -7,7 +7,6 @@ class FormEdits;
 class FormView;
 class QAction;
 class QMainWindow;
-class QMenu;
 class QWidget;
 
 /// The form window's commands, in its menus and for its buttons. Made once for the window, which
@@ -27,8 +26,6 @@ public:
     [[nodiscard]] QAction *zoomOut() const { return m_zoomOut; }
     [[nodiscard]] QAction *fitWidth() const { return m_fitWidth; }
     [[nodiscard]] QAction *showPages() const { return m_showPages; }
-    /// Fills a menu with the two kinds of file that a form is exported as.
-    void fillExport(QMenu *menu);
     /// Names the saving after what it does now.
     void setSaveText(const QString &text);
 

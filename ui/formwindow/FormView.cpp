@@ -3,6 +3,8 @@
 #include "PageSheet.h"
 #include "QSPDFDocument.h"
 
+#include <QGuiApplication>
+#include <QInputMethod>
 #include <QKeyEvent>
 #include <QPainter>
 #include <QScrollBar>
@@ -331,6 +333,16 @@ void FormView::refresh(const QList<int> &fields)
         m_settle.start();
     }
     m_renderer.wake();
+}
+
+void FormView::commitInput()
+{
+    QGuiApplication::inputMethod()->commit();
+    for (const PageSheet *sheet : std::as_const(m_sheets)) {
+        for (FieldControl *each : sheet->controls()) {
+            each->commitInput(); // what the input method left uncommitted
+        }
+    }
 }
 
 void FormView::focusField(int field, Qt::FocusReason reason)

@@ -35,6 +35,8 @@ public:
     [[nodiscard]] double zoom() const { return m_zoom; }
     /// The control of a field; null for a field that is not shown.
     [[nodiscard]] FieldControl *control(int field);
+    /// Takes what an input method still composes into the field that it is typed in.
+    void commitInput();
     /// Gives a field the keyboard and brings it into view.
     void focusField(int field, Qt::FocusReason reason);
 

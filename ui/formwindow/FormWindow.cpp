@@ -11,14 +11,12 @@
 #include "VxButton.h"
 #include "VxMessageBar.h"
 #include "VxText.h"
+#include "screens/ExportMenu.h"
 
 #include <QAction>
 #include <QCloseEvent>
-#include <QGuiApplication>
 #include <QHBoxLayout>
-#include <QInputMethod>
 #include <QLabel>
-#include <QMenu>
 #include <QPushButton>
 #include <QScreen>
 #include <QSplitter>
@@ -81,10 +79,8 @@ QWidget *FormWindow::createCommandRow()
     auto *bar = new QWidget(this);
     auto *row = new QHBoxLayout(bar);
     row->setContentsMargins({});
-    const auto add = [bar, row](const QString &text, const QString &symbol) {
-        QPushButton *button = VxButton::make(text, symbol, bar);
-        row->addWidget(button);
-        return button;
+    const auto add = [row](const QString &text, const QString &symbol) {
+        return VxButton::add(row, text, symbol);
     };
     m_save = add({}, u"tray.and.arrow.down.fill"_s);
     QPushButton *formats = add(u"Export"_s, u"square.and.arrow.up"_s);
@@ -104,10 +100,8 @@ QWidget *FormWindow::createCommandRow()
     row->addStretch();
     QPushButton *close = add(u"Close"_s, u"xmark"_s);
 
-    auto *menu = new QMenu(formats);
-    m_commands->fillExport(menu);
-    formats->setMenu(menu);
-    formats->setProperty("menu", true);
+    ExportMenu::attachForForm(formats, &m_model,
+                              [this](AppModel::FormExport how) { m_model.exportForm(how); });
     connect(m_save, &QPushButton::clicked, &m_model, &AppModel::saveForm);
     connect(print, &QPushButton::clicked, &m_model, &AppModel::printForm);
     connect(close, &QPushButton::clicked, this, &QWidget::close);
@@ -147,8 +141,7 @@ void FormWindow::connectModel()
 {
     connect(&m_model, &AppModel::openPDFChanged, this, &FormWindow::openForm);
     connect(&m_model, &AppModel::openPDFWanted, this, &FormWindow::bringForward);
-    connect(&m_model, &AppModel::editsWanted, this,
-            [] { QGuiApplication::inputMethod()->commit(); });
+    connect(&m_model, &AppModel::editsWanted, m_view, &FormView::commitInput);
     connect(&m_model, &AppModel::formValuesChanged, this, [this](const QList<int> &fields) {
         m_view->refresh(fields);
         showState();
@@ -158,7 +151,7 @@ void FormWindow::connectModel()
         showState();
     });
     connect(&m_model, &AppModel::messageChanged, this, &FormWindow::showMessage);
-    connect(&m_model, &AppModel::busyChanged, this, &FormWindow::showMessage);
+    connect(&m_model, &AppModel::busyChanged, this, &FormWindow::showWork);
     connect(m_message, &VxMessageBar::dismissed, &m_model,
             [this] { m_model.setMessage(std::nullopt); });
 }
@@ -196,6 +189,7 @@ void FormWindow::openForm()
             : u"This PDF has no fill-in fields. Print it and fill it in by hand."_s);
     showState();
     showMessage();
+    showWork();
     m_view->setFocus(Qt::OtherFocusReason);
     bringForward();
 }
@@ -217,8 +211,12 @@ void FormWindow::showState()
 
 void FormWindow::showMessage()
 {
-    m_message->display(m_model.message().value_or(QString()),
-                       {.text = m_model.busy().value_or(QString())});
+    m_message->displayMessage(m_model.message().value_or(QString()));
+}
+
+void FormWindow::showWork()
+{
+    m_message->displayWork({.text = m_model.busy().value_or(QString())});
 }
 
 void FormWindow::bringForward()

@@ -42,6 +42,7 @@ private:
     void openForm();
     void showState();
     void showMessage();
+    void showWork();
 
     AppModel &m_model;
     FormEdits *m_edits;

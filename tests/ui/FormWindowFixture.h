@@ -1,0 +1,119 @@
+#pragma once
+
+#include "AppModel.h"
+#include "FakeDesktop.h"
+#include "ScratchUser.h"
+#include "WindowHand.h"
+#include "formwindow/FieldControl.h"
+#include "formwindow/FormView.h"
+#include "formwindow/FormWindow.h"
+#include "formwindow/PageList.h"
+
+#include <QLineEdit>
+#include <QPlainTextEdit>
+
+#include <memory>
+
+/// The form window on a scratch user's empty database, what it shows and what its document holds.
+class FormWindowFixture : protected WindowHand
+{
+protected:
+    static constexpr int dontSave = 1;
+
+    [[nodiscard]] QWidget *window() const override { return m_window.get(); }
+
+    void begin()
+    {
+        m_user = std::make_unique<ScratchUser>();
+        QSStore::setShared(std::make_unique<QSStore>(QSInfo::databaseURL()));
+        m_desktop = std::make_unique<FakeDesktop>();
+        m_model = std::make_unique<AppModel>(*m_desktop);
+        m_window = std::make_unique<FormWindow>(*m_model);
+    }
+
+    void end()
+    {
+        m_window.reset();
+        m_model.reset();
+        QSStore::setShared(nullptr);
+        m_user.reset();
+    }
+
+    void open(const QByteArray &pdf)
+    {
+        const QSFilledPDF record = QSStore::shared()->saveFilledPDF(
+            QStringLiteral("us-test"), QStringLiteral("Test form"), pdf);
+        m_model->openSaved(record);
+        QTRY_VERIFY(m_model->openPDF());
+        find();
+    }
+
+    void find()
+    {
+        m_view = m_window->findChild<FormView *>();
+        m_pages = m_window->findChild<PageList *>();
+        QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
+    }
+
+    /// Closes what a test has changed.
+    void discard()
+    {
+        if (m_window->isWindowModified()) {
+            m_desktop->answers = {dontSave};
+        }
+        QVERIFY(m_model->closeForm());
+    }
+
+    [[nodiscard]] QSPDFDocument &document() const { return m_model->openPDF()->document(); }
+
+    /// What the document holds in a field, as text.
+    [[nodiscard]] QString held(int field) const
+    {
+        const FormField::Kind kind = document().fields().at(field).kind;
+        const FormValue value = document().value(field);
+        if (kind == FormField::Kind::checkBox || kind == FormField::Kind::radio) {
+            return value.on ? QStringLiteral("on") : QStringLiteral("off");
+        }
+        QStringList chosen;
+        for (const int row : value.chosen) {
+            chosen.append(QString::number(row));
+        }
+        return chosen.isEmpty() ? value.text : chosen.join(u' ');
+    }
+
+    [[nodiscard]] QString shownIn(int field) const
+    {
+        QWidget *widget = m_view->control(field)->widget();
+        if (auto *line = qobject_cast<QLineEdit *>(widget)) {
+            return line->text();
+        }
+        return qobject_cast<QPlainTextEdit *>(widget)->toPlainText();
+    }
+
+    /// The field that has the keyboard, or -1.
+    [[nodiscard]] int openField() const
+    {
+        for (const FormField &field : document().fields()) {
+            const FieldControl *control = m_view->control(field.id);
+            if (control && control->isOpen()) {
+                return field.id;
+            }
+        }
+        return -1;
+    }
+
+    /// The first page as it is on the screen.
+    [[nodiscard]] QImage paper() const
+    {
+        return m_view->control(0)->widget()->parentWidget()->grab().toImage();
+    }
+
+    void undo() const { press(Qt::Key_Z, Qt::ControlModifier); }
+
+    std::unique_ptr<ScratchUser> m_user;
+    std::unique_ptr<FakeDesktop> m_desktop;
+    std::unique_ptr<AppModel> m_model;
+    std::unique_ptr<FormWindow> m_window;
+    FormView *m_view = nullptr;
+    PageList *m_pages = nullptr;
+};
