@@ -9,6 +9,7 @@
 
 #include <QSignalSpy>
 #include <QTest>
+#include <QThreadPool>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -38,11 +39,19 @@ class TestAppModelForms final : public QObject
 private Q_SLOTS:
     void initTestCase()
     {
+        m_threads = threads();
         m_form = QSPDF::practiceForm();
         m_agencies = std::make_unique<AgencyServer>();
         m_agencies->answerOthers(Answer::pdf(m_form, "\"1\""));
     }
-    void cleanupTestCase() { m_agencies.reset(); }
+    void cleanupTestCase()
+    {
+        m_agencies.reset();
+        // A pool's thread counts as done before it has put its connections away. Whoever ends the
+        // process meanwhile is told of leaks.
+        QThreadPool::globalInstance()->waitForDone();
+        QTRY_COMPARE(threads(), m_threads);
+    }
 
     void init()
     {
@@ -306,6 +315,11 @@ private Q_SLOTS:
     }
 
 private:
+    static qsizetype threads()
+    {
+        return QDir(u"/proc/self/task"_s).entryList(QDir::Dirs | QDir::NoDotAndDotDot).size();
+    }
+
     void type(const QString &name, const QString &text)
     {
         for (const FormField &field : m_model->openPDF()->document().fields()) {
@@ -317,6 +331,7 @@ private:
         QFAIL(qPrintable(u"no field "_s + name));
     }
 
+    qsizetype m_threads = 0;
     QByteArray m_form;
     std::unique_ptr<AgencyServer> m_agencies;
     std::unique_ptr<ScratchUser> m_user;
