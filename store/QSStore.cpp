@@ -4,6 +4,7 @@
 #include "QSError.h"
 #include "QSFile.h"
 #include "QSInfo.h"
+#include "QSRestoreFolder.h"
 #include "QSTemplates.h"
 
 #include <QDir>
@@ -133,6 +134,12 @@ QMap<QString, QString> QSDocument::valuesFromJSON(const QByteArray &json)
 QSStore::QSStore(const QUrl &url, Indexing indexing) : m_db(preparedPath(url)), m_url(url)
 {
     createSchema();
+    try {
+        finishRestore();
+        QSRestoreFolder::clearLeftovers(m_db.path());
+    } catch (const QSError &) {
+        // It is tried again before the next filled PDF is saved.
+    }
     createSearchIndex();
     if (indexing == Indexing::now) {
         fillSearchIndex();
@@ -293,6 +300,7 @@ QSFilledPDF QSStore::saveFilledPDF(const QString &entryID, const QString &title,
     if (!data.startsWith("%PDF")) {
         throw QSError::invalid(u"That is not a PDF."_s);
     }
+    finishRestore(); // later it would put its file over this newer one
     const QDateTime now = QDateTime::currentDateTimeUtc();
     QSFilledPDF record =
         replacing ? replaceFilledPDF(*replacing, title, data, now)
@@ -340,6 +348,11 @@ QSFilledPDF QSStore::insertFilledPDF(QSFilledPDF record, const QByteArray &data)
         throw;
     }
     return record;
+}
+
+void QSStore::finishRestore()
+{
+    QSRestoreFolder::finish(m_db);
 }
 
 void QSStore::deleteFilledPDF(const QSFilledPDF &record)

@@ -133,6 +133,10 @@ public:
     /// Deletes the record, then its file; a file that can't be removed is no failure.
     void deleteFilledPDF(const QSFilledPDF &record);
 
+    /// Puts the filled PDFs of a restore in their place, if the database has those of one that was
+    /// cut short. Opening the database does this, and so does saveFilledPDF().
+    void finishRestore();
+
     /// Errors are ignored: a check that can't be recorded is checked again.
     void recordLinkCheck(const QSLinkCheck &check);
     [[nodiscard]] QList<QSLinkCheck> linkChecks();

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <QByteArrayView>
+#include <QString>
+
+class QIODevice;
+
+/// Getting bytes to the disk, and knowing that they are there. Any thread.
+namespace QSDisk {
+/// Writes all of the bytes, where a nearly full disk would take a part and say nothing. False when
+/// it can't; the device has the reason.
+[[nodiscard]] bool write(QIODevice &device, QByteArrayView bytes);
+
+/// Waits until the disk has which files are in the folder, under which names. False, with errno
+/// set, when it can't have it.
+[[nodiscard]] bool syncNames(const QString &folder);
+/// The same for everything in the file system of that folder: for many files at once, far quicker
+/// than one by one.
+[[nodiscard]] bool syncFileSystem(const QString &folder);
+} // namespace QSDisk

@@ -1,0 +1,255 @@
+#include "BackupFixture.h"
+#include "QSRestoreFolder.h"
+#include "SmallDisk.h"
+
+#include <QCoreApplication>
+#include <QRandomGenerator>
+#include <QTest>
+
+#include <algorithm>
+#include <cstdio>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+constexpr const char *restoreLoopSwitch = "--restore-loop";
+
+/// Restores two backups in turns for as long as it lives.
+int restoreLoop(const QStringList &backups)
+{
+    QSStore store(QSInfo::databaseURL(), QSStore::Indexing::later);
+    std::puts("ready");
+    std::fflush(stdout);
+    while (true) {
+        for (const QString &backup : backups) {
+            QSBackup::restore(QSBackup::stage(QUrl::fromLocalFile(backup), store.url()), store);
+        }
+    }
+}
+
+/// A backup with the mark in the profile and in one of its file names; the other names are the same
+/// for every mark, and the bytes behind them are not.
+QByteArray markedBackup(const QByteArray &mark)
+{
+    QByteArray pdfs;
+    for (qsizetype number = 0; number < 30; ++number) {
+        pdfs += R"({"created": 1, "modified": 1, "entryID": "", "title": "", "fileName": ")" +
+                QByteArray::number(number) + R"(.pdf", "data": ")" +
+                ("%PDF" + mark.repeated(number * 999)).toBase64() + R"("},)";
+    }
+    const QByteArray list = R"("filledPDFs": [)";
+    return sampleWith(list, list + pdfs)
+        .replace("Denver", mark)
+        .replace("second.pdf", mark + ".pdf");
+}
+
+/// Says nothing of the program that made it, nor of the order of PDFs of one moment.
+QSBackup::File comparable(QSBackup::File state)
+{
+    state.app.clear();
+    std::ranges::sort(state.filledPDFs, {}, &QSBackup::PDF::fileName);
+    return state;
+}
+} // namespace
+
+class TestBackupFaults : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init() { m_user = std::make_unique<BackupFixture>(); }
+    void cleanup() { m_user.reset(); }
+
+    void aBackupIsOfOneMoment();
+    void aFailedBackupLeavesThePlace();
+    void aFailedRestoreLeavesTheStore_data();
+    void aFailedRestoreLeavesTheStore();
+    void stops();
+    void finishesWhatWasCommitted();
+    void isWholeWhenKilled();
+
+private:
+    std::unique_ptr<BackupFixture> m_user;
+};
+
+void TestBackupFaults::aBackupIsOfOneMoment()
+{
+    m_user->fill(u"x"_s);
+    const QSBackup::File before = m_user->state();
+    const QString path = m_user->path(u"busy.qsbackup"_s);
+    QList<int> parts;
+    const auto disturb = [&](int part, int of) {
+        parts.append(part);
+        QCOMPARE(of, 6);
+        for (const QSBackup::PDF &pdf : before.filledPDFs) { // all were read when 3 parts are done
+            writeFile(filledPath(pdf.fileName), part < 3 ? pdf.data : "%PDF later");
+        }
+    };
+    QCOMPARE(
+        QSBackup::write(QSBackup::contents(m_user->store()), QUrl::fromLocalFile(path), disturb),
+        0);
+    QCOMPARE(parts, (QList<int>{0, 1, 2, 3, 4, 5}));
+    QCOMPARE(stateOf(contents(path)), before);
+}
+
+void TestBackupFaults::aFailedBackupLeavesThePlace()
+{
+    m_user->fill(u"x"_s);
+    QCOMPARE(sentence([&] { m_user->backUp(u"/nowhere/a.qsbackup"_s); }),
+             u"The backup could not be written: No such file or directory"_s);
+    const QUrl folderURL = QUrl::fromLocalFile(QSInfo::dataFolder().path());
+    QCOMPARE(sentence([&] { QSBackup::write(m_user->store(), folderURL); }),
+             u"The backup could not be written: Is a directory"_s);
+
+    const QString folder = m_user->path(u"disk"_s);
+    const SmallDisk disk(folder, 64 * 1024);
+    if (!disk.mounted()) {
+        QSKIP("This process may not mount a small file system");
+    }
+    writeFile(folder + u"/a.qsbackup"_s, "an older one");
+    const QMap<QString, QByteArray> before = tree(folder);
+    QCOMPARE(sentence([&] { m_user->backUp(folder + u"/a.qsbackup"_s); }),
+             u"The backup could not be written: No space left on device"_s);
+    QCOMPARE(tree(folder), before);
+}
+
+void TestBackupFaults::aFailedRestoreLeavesTheStore_data()
+{
+    QTest::addColumn<QString>("obstacle");
+    QTest::addColumn<QString>("refusal");
+    QTest::newRow("full disk") << u"disk"_s
+                               << u"The filled PDFs could not be put in place: "
+                                  "No space left on device"_s;
+    QTest::newRow("a folder of a file's name")
+        << u"folder"_s
+        << u"The filled PDFs could not be put in place: \"second.pdf\" is a folder there."_s;
+    QTest::newRow("the database refuses")
+        << u"CREATE TRIGGER no BEFORE INSERT ON filled_pdfs BEGIN SELECT RAISE(ABORT, 'no'); END"_s
+        << u"The database reported a problem: no"_s;
+}
+
+void TestBackupFaults::aFailedRestoreLeavesTheStore()
+{
+    QFETCH(const QString, obstacle);
+    QFETCH(const QString, refusal);
+    std::unique_ptr<SmallDisk> disk;
+    QByteArray bytes = sample();
+    if (obstacle == u"disk"_s) {
+        disk = std::make_unique<SmallDisk>(QSInfo::filledFolder().path(), 200'000);
+        if (!disk->mounted()) {
+            QSKIP("This process may not mount a small file system");
+        }
+        bytes = sampleWith("JVBERg==", ("%PDF" + QByteArray(200'000, 'x')).toBase64());
+    }
+    m_user->fill(u"x"_s);
+    if (obstacle == u"folder"_s) {
+        QVERIFY(QSInfo::filledFolder().mkdir(u"second.pdf"_s));
+    } else if (!disk) {
+        m_user->store().db().exec(obstacle);
+    }
+    const QSBackup::File before = m_user->state();
+    const QMap<QString, QByteArray> files = tree(QSInfo::filledFolder().path());
+    QCOMPARE(sentence([&] { m_user->restore(bytes); }), refusal);
+    QCOMPARE(m_user->state(), before);
+    QCOMPARE(tree(QSInfo::filledFolder().path()), files);
+    QVERIFY(!m_user->store().search(u"x0"_s).isEmpty());
+}
+
+void TestBackupFaults::stops()
+{
+    m_user->fill(u"x"_s);
+    std::stop_source stop;
+    const auto stopLate = [&](int part, int) {
+        if (part > 2) {
+            stop.request_stop();
+        }
+    };
+    const QString path = m_user->path(u"a.qsbackup"_s);
+    QCOMPARE(sentence([&] {
+                 QSBackup::write(QSBackup::contents(m_user->store()), QUrl::fromLocalFile(path),
+                                 stopLate, stop.get_token());
+             }),
+             u"The backup was stopped."_s);
+    QVERIFY(!QFile::exists(path));
+    writeFile(path, sample());
+    QCOMPARE(sentence([&] {
+                 (void)QSBackup::stage(QUrl::fromLocalFile(path), m_user->store().url(), {},
+                                       stop.get_token());
+             }),
+             u"The restore was stopped."_s);
+    QCOMPARE(foldersAmongFilled(), QStringList());
+}
+
+void TestBackupFaults::finishesWhatWasCommitted()
+{
+    const QSFilledPDF record = m_user->store().saveFilledPDF(u"us-w-9"_s, u"W-9"_s, "%PDF old");
+    const QString path = filledPath(record.fileName);
+    const auto commit = [&](const QByteArray &pdf) {
+        QSRestoreFolder folder(ScratchUser::database());
+        folder.add(record.fileName, pdf);
+        m_user->store().db().transaction([&] { folder.noteIn(m_user->store().db()); });
+        folder.keep();
+    };
+    commit("%PDF restored");
+    QTemporaryDir other(filledPath(u".Other.sqlite-restore-XXXXXX"_s));
+    QTemporaryDir leftover(filledPath(u".Quillstone.sqlite-restore-XXXXXX"_s));
+    m_user->openAgain();
+    QCOMPARE(contents(path), "%PDF restored");
+    QCOMPARE(foldersAmongFilled(), QStringList{QFileInfo(other.path()).fileName()});
+
+    commit("%PDF restored again"); // and then the program goes on instead of being started anew
+    m_user->store().saveFilledPDF(u"us-w-9"_s, u"W-9"_s, "%PDF new", record);
+    m_user->store().finishRestore();
+    QCOMPARE(contents(path), "%PDF new");
+}
+
+void TestBackupFaults::isWholeWhenKilled()
+{
+    QStringList paths;
+    QList<QSBackup::File> states;
+    for (const QByteArray mark : {"one", "two"}) {
+        states.append(comparable(stateOf(markedBackup(mark))));
+        paths.append(m_user->path(QString::fromUtf8(mark)));
+        writeFile(paths.last(), markedBackup(mark));
+    }
+    m_user->restoreFile(paths.constFirst());
+    QMap<qsizetype, int> seen;
+    int cutShort = 0;
+    for (int round = 0; round < 110; ++round) {
+        m_user->close();
+        QProcess child;
+        child.start(QCoreApplication::applicationFilePath(),
+                    {QLatin1StringView(restoreLoopSwitch), QSInfo::dataFolder().path(),
+                     paths.at(round % 2), paths.at(1 - round % 2)});
+        QVERIFY(child.waitForReadyRead(60'000));
+        QVERIFY(!child.waitForFinished(QRandomGenerator::global()->bounded(150)));
+        child.kill();
+        QVERIFY(child.waitForFinished());
+        QCOMPARE(child.exitStatus(), QProcess::CrashExit);
+        cutShort += shell(u"SELECT 1 FROM pending_restore"_s).isEmpty() ? 0 : 1;
+
+        m_user->openAgain();
+        const qsizetype state = states.indexOf(comparable(m_user->state()));
+        QVERIFY(state >= 0);
+        ++seen[state];
+        QCOMPARE(foldersAmongFilled(), QStringList());
+    }
+    QCOMPARE(seen.size(), 2);
+    QCOMPARE(shell(u"PRAGMA integrity_check"_s), u"ok"_s);
+    qInfo("%d times the one, %d times the other, %d finished by the next start", seen.value(0),
+          seen.value(1), cutShort);
+}
+
+int main(int argc, char *argv[])
+{
+    const QCoreApplication application(argc, argv);
+    const QStringList arguments = QCoreApplication::arguments();
+    if (arguments.size() == 5 && arguments.at(1) == QLatin1StringView(restoreLoopSwitch)) {
+        QSInfo::setDataFolderOverride(arguments.at(2));
+        return restoreLoop(arguments.mid(3));
+    }
+    TestBackupFaults test;
+    return QTest::qExec(&test, argc, argv);
+}
+
+#include "tst_backupfaults.moc"
