@@ -25,6 +25,10 @@ class NobodysDesktop final : public QSDesktop
 {
 public:
     std::optional<QString> chooseSavePath(const QString &) override { return std::nullopt; }
+    std::optional<QString> chooseOpenPath(const QString &, const QString &) override
+    {
+        return std::nullopt;
+    }
     int ask(const Question &question) override { return question.cancel; }
     bool openInBrowser(const QUrl &) override { return false; }
     void print(const QSRendered &) override {}

@@ -57,6 +57,9 @@ void MainMenu::createFileMenu()
                                      [this] { m_model.closeEditor(); });
     m_documentCommands = {save, formats->menuAction(), print, close};
     menu->addSeparator();
+    menu->addAction(u"&Back Up Now\u2026"_s, key(u"Ctrl+Shift+B"), &m_model, &AppModel::backupNow);
+    menu->addAction(u"&Restore from Backup\u2026"_s, &m_model, &AppModel::restore);
+    menu->addSeparator();
     m_checkLinks =
         menu->addAction(u"Check All Official &Links"_s, &m_model, &AppModel::checkAllLinks);
     menu->addSeparator();

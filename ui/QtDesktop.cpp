@@ -71,6 +71,20 @@ std::optional<QString> QtDesktop::chooseSavePath(const QString &suggestedName)
     return std::nullopt;
 }
 
+std::optional<QString> QtDesktop::chooseOpenPath(const QString &kind, const QString &extension)
+{
+    const QString folder = m_lastFolder.isEmpty()
+                               ? QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation)
+                               : m_lastFolder;
+    const QString path = QFileDialog::getOpenFileName(window(), u"Open"_s, folder,
+                                                      u"%1 (*.%2)"_s.arg(kind, extension));
+    if (path.isEmpty()) {
+        return std::nullopt;
+    }
+    m_lastFolder = QFileInfo(path).path();
+    return path;
+}
+
 bool QtDesktop::mayWrite(const QString &path)
 {
     static constexpr int replace = 1;

@@ -13,6 +13,8 @@ public:
     void setWindow(QWidget *window) { m_window = window; }
 
     [[nodiscard]] std::optional<QString> chooseSavePath(const QString &suggestedName) override;
+    [[nodiscard]] std::optional<QString> chooseOpenPath(const QString &kind,
+                                                        const QString &extension) override;
     [[nodiscard]] int ask(const Question &question) override;
     [[nodiscard]] bool openInBrowser(const QUrl &url) override;
     void print(const QSRendered &rendered) override;

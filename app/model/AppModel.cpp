@@ -29,6 +29,10 @@ AppModel::AppModel(QSDesktop &desktop, QObject *parent)
       m_selectedTemplateID(u"bill-of-sale-vehicle"_s),
       m_showDisclaimer(!QSPrefs::disclaimerAccepted())
 {
+    static constexpr std::chrono::seconds betweenDrafts{3};
+    m_draftTimer.setSingleShot(true);
+    m_draftTimer.setInterval(betweenDrafts);
+    connect(&m_draftTimer, &QTimer::timeout, this, &AppModel::keepDrafts);
     if (QSStore *open = store()) {
         connect(open, &QSStore::revisionChanged, this, [this] {
             m_linkChecks.reset();
@@ -62,6 +66,14 @@ void AppModel::setState(const QString &code)
     m_state = code;
     QSPrefs::setHomeState(code);
     Q_EMIT selectionChanged();
+}
+
+void AppModel::setFinderTask(const QString &id)
+{
+    if (m_finderTaskID != id) {
+        m_finderTaskID = id;
+        Q_EMIT selectionChanged();
+    }
 }
 
 void AppModel::selectTemplate(const QString &id)
@@ -145,6 +157,7 @@ void AppModel::setEditedTitle(const QString &title)
 {
     if (m_editing) {
         m_editing->setTitle(title);
+        draftSoon();
     }
 }
 
@@ -152,6 +165,7 @@ void AppModel::setEditedValue(const QString &key, const QString &value)
 {
     if (m_editing) {
         m_editing->setValue(key, value);
+        draftSoon();
     }
 }
 
@@ -175,6 +189,7 @@ void AppModel::fillFromProfile()
             m_editing->setValue(value.key(), value.value());
         }
     }
+    draftSoon();
     Q_EMIT editedDocumentChanged();
 }
 
@@ -203,6 +218,7 @@ bool AppModel::saveEdited()
     const bool done =
         withStore([this](QSStore &open) { m_editing->saved(open.save(m_editing->document())); });
     if (done) {
+        keepDrafts();
         setMessage(u"Saved to My Documents."_s);
         Q_EMIT editedDocumentChanged();
     }
@@ -242,6 +258,7 @@ bool AppModel::closeEditor()
 void AppModel::dropEdited()
 {
     m_editing.reset();
+    keepDrafts();
     Q_EMIT editingChanged();
 }
 
@@ -337,10 +354,15 @@ void AppModel::whenNothingIsAsked(const std::function<void()> &action)
     }
 }
 
-void AppModel::saveFile(const QByteArray &data, const QString &suggestedName)
+std::optional<QString> AppModel::chooseSavePath(const QString &suggestedName)
 {
     const QScopedValueRollback asking(m_asking, true);
-    const std::optional<QString> path = m_desktop.chooseSavePath(suggestedName);
+    return m_desktop.chooseSavePath(suggestedName);
+}
+
+void AppModel::saveFile(const QByteArray &data, const QString &suggestedName)
+{
+    const std::optional<QString> path = chooseSavePath(suggestedName);
     if (!path) {
         return;
     }
@@ -363,51 +385,6 @@ void AppModel::print(const QSDocument &document)
             setMessage(error.description());
         }
     }
-}
-
-// Profile
-
-std::optional<QMap<QString, QString>> AppModel::savedProfile()
-{
-    std::optional<QMap<QString, QString>> saved;
-    withStore([&saved](QSStore &open) { saved = open.profile(); });
-    return saved;
-}
-
-QMap<QString, QString> AppModel::profile()
-{
-    if (m_profileEdits) {
-        return *m_profileEdits;
-    }
-    return store() ? savedProfile().value_or(QMap<QString, QString>()) : QMap<QString, QString>();
-}
-
-void AppModel::setProfileValue(const QString &key, const QString &value)
-{
-    // Edits stand on what is saved: where that can't be read, saving would wipe it out.
-    const std::optional<QMap<QString, QString>> saved = savedProfile();
-    if (!saved) {
-        return;
-    }
-    QMap<QString, QString> edited = m_profileEdits.value_or(*saved);
-    edited.insert(key, value);
-    const bool same = std::ranges::all_of(edited.keys(), [&](const QString &each) {
-        return edited.value(each) == saved->value(each);
-    });
-    m_profileEdits = same ? std::nullopt : std::optional(edited);
-    Q_EMIT profileEdited();
-}
-
-bool AppModel::saveProfile()
-{
-    const bool done =
-        !m_profileEdits || withStore([this](QSStore &open) { open.saveProfile(*m_profileEdits); });
-    if (done) {
-        m_profileEdits.reset();
-        setMessage(u"Profile saved."_s);
-        Q_EMIT profileEdited();
-    }
-    return done;
 }
 
 // Search
@@ -471,6 +448,7 @@ bool AppModel::closeEverything()
         return false;
     }
     m_profileEdits.reset();
+    keepDrafts();
     if (m_editing) {
         dropEdited();
     }

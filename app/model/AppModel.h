@@ -12,11 +12,13 @@
 #include <QMap>
 #include <QObject>
 #include <QString>
+#include <QTimer>
 
 #include <optional>
 #include <stop_token>
 
 class QSDesktop;
+struct FormDraft;
 struct QSEntry;
 struct QSTemplate;
 
@@ -55,6 +57,9 @@ public:
     [[nodiscard]] const QString &state() const { return m_state; }
     /// Chooses a jurisdiction and remembers it in the preferences.
     void setState(const QString &code);
+    /// Id of the task chosen in the finder; absent while none is.
+    [[nodiscard]] const std::optional<QString> &finderTaskID() const { return m_finderTaskID; }
+    void setFinderTask(const QString &id);
     [[nodiscard]] const QString &selectedTemplateID() const { return m_selectedTemplateID; }
     void selectTemplate(const QString &id);
     [[nodiscard]] const QString &search() const { return m_search; }
@@ -164,6 +169,21 @@ public:
     /// Goes to what was found.
     void openHit(const QSSearchHit &hit);
 
+    // Backup
+    /// Asks where to put a backup of everything saved, and writes it in the background. The message
+    /// names how many filled PDFs could not be read and are not in it.
+    void backupNow();
+    /// Asks for a backup and whether to go on, then replaces everything saved by it. What is open
+    /// is closed first, which the user can refuse.
+    void restore();
+
+    // Drafts
+    /// Offers what the last run left unsaved, then keeps drafts of what is typed, every few
+    /// seconds.
+    void startDrafts();
+    /// Brings the drafts up to date at once. Does nothing before startDrafts().
+    void keepDrafts();
+
     /// Asks about everything unsaved, then closes it; false when the user wants to stay, and then
     /// all is as it was.
     bool closeEverything();
@@ -238,14 +258,25 @@ private:
     [[nodiscard]] std::optional<QMap<QString, QString>> savedProfile();
     /// Asks where to put a file and writes it whole or not at all.
     void saveFile(const QByteArray &data, const QString &suggestedName);
+    std::optional<QString> chooseSavePath(const QString &suggestedName);
+    /// The backup that the user has agreed to restore.
+    std::optional<QString> chooseBackup();
     /// The rendered document, or the message that there is none.
     std::optional<QSRendered> renderOrTell(const QSDocument &document);
+    void draftSoon();
+    void keepFormDraft();
+    void cannotDraft(const QSError &error);
+    [[nodiscard]] bool askToReopen(const QString &name);
+    void offerProfileDraft();
+    void offerDocumentDraft();
+    void reopenForm(const FormDraft &draft, const std::shared_ptr<QSPDFDocument> &document);
     void openSession(const QSDocument &document);
     void openDocument(qint64 id);
 
     QSDesktop &m_desktop;
     Screen m_screen = Screen::templates;
     QString m_state;
+    std::optional<QString> m_finderTaskID;
     QString m_selectedTemplateID;
     QString m_search;
     std::optional<QString> m_message;
@@ -264,6 +295,10 @@ private:
     std::stop_source m_check;   ///< ends the check of links that runs
     std::stop_source m_closing; ///< ends whatever else runs on the network
     std::optional<QMap<QString, QString>> m_profileEdits;
+    QTimer m_draftTimer;
+    bool m_drafting = false;     ///< drafts are kept
+    bool m_toldOfDrafts = false; ///< that they can't be kept
+    QUuid m_draftedForm;         ///< the opening whose PDF is kept
 };
 
 template <typename Result>

@@ -332,6 +332,7 @@ void AppModel::setFormValue(int id, const FormValue &value)
 {
     if (m_openPDF) {
         Q_EMIT formValuesChanged(m_openPDF->document().setValue(id, value));
+        draftSoon();
     }
 }
 
@@ -360,6 +361,7 @@ bool AppModel::saveForm()
         m_openPDF->setStatus(u"Saved "_s + QSDate::stamp(record.modified));
     });
     if (done) {
+        keepDrafts();
         setMessage(u"Saved to My Documents as \"%1\"."_s.arg(m_openPDF->form().saved->title));
         Q_EMIT formChanged();
     }
@@ -422,6 +424,7 @@ bool AppModel::closeForm()
 void AppModel::dropForm()
 {
     m_openPDF.reset();
+    keepDrafts();
     Q_EMIT openPDFChanged();
 }
 

@@ -10,6 +10,11 @@ class DocumentSession final
 {
 public:
     explicit DocumentSession(const QSDocument &opened) : m_document(opened), m_clean(opened) {}
+    /// A document that was typed into and not saved since it stood as in the second.
+    DocumentSession(const QSDocument &typed, const QSDocument &saved)
+        : m_document(typed), m_clean(saved)
+    {
+    }
 
     [[nodiscard]] const QSDocument &document() const { return m_document; }
     void setTitle(const QString &title) { m_document.title = title; }

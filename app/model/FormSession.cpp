@@ -32,7 +32,7 @@ void FormSession::saved(const QSFilledPDF &record, const QList<FormValue> &value
 void FormSession::forgetSaved()
 {
     m_form.saved.reset();
-    m_clean.clear();
+    markUnsaved();
 }
 
 bool FormSession::hasUnsavedChanges() const

@@ -35,6 +35,8 @@ public:
     void setStatus(const QString &status) { m_form.status = status; }
     /// A copy with these values is in the store now; nothing is unsaved that was not typed since.
     void saved(const QSFilledPDF &record, const QList<FormValue> &values);
+    /// What it holds is not in the store, whatever was typed since.
+    void markUnsaved() { m_clean.clear(); }
     /// The copy that it came from is gone: all of it is unsaved, and the next save makes another.
     void forgetSaved();
     [[nodiscard]] bool hasUnsavedChanges() const;

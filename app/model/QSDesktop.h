@@ -15,8 +15,8 @@ struct QSRendered;
 class QSDesktop
 {
 public:
-    /// A question with its buttons. The first button is the safe default; cancel is what closing
-    /// the question means.
+    /// A question with its buttons. The first button is the default; cancel is what closing the
+    /// question means.
     struct Question
     {
         QString text;
@@ -33,6 +33,10 @@ public:
     /// The path chosen in a save panel, with the suggested name's extension; absent when cancelled.
     /// A file that is there already is only named once the person has agreed to replace it.
     [[nodiscard]] virtual std::optional<QString> chooseSavePath(const QString &suggestedName) = 0;
+    /// The path of the one file chosen in an open panel that shows files of this extension, called
+    /// so; absent when cancelled.
+    [[nodiscard]] virtual std::optional<QString> chooseOpenPath(const QString &kind,
+                                                                const QString &extension) = 0;
     /// Position of the button chosen.
     [[nodiscard]] virtual int ask(const Question &question) = 0;
     /// False when there is no browser to open it.

@@ -64,10 +64,11 @@ bool QuillstoneApp::start()
     }
     // With thousands of documents the search index takes a moment, which nobody has to wait for
     // before there is a window.
-    new AfterFirstPaint(&*m_window, [] {
+    new AfterFirstPaint(&*m_window, [this] {
         if (QSStore *store = QSStore::shared()) {
             store->fillSearchIndex();
         }
+        m_model->startDrafts();
     });
     QObject::connect(qApp, &QGuiApplication::commitDataRequest, &*m_window, [this](auto &session) {
         if (session.allowsInteraction() && !m_model->closeEverything()) {

@@ -15,6 +15,7 @@ class FakeDesktop final : public QSDesktop
 {
 public:
     QList<std::optional<QString>> savePaths; ///< answers to come, first to last
+    QList<std::optional<QString>> openPaths; ///< the same for open panels
     QList<int> answers;                      ///< buttons to press, first to last
 
     bool hasBrowser = true;
@@ -33,7 +34,8 @@ public:
 
     [[nodiscard]] bool settled() const
     {
-        return unexpected.isEmpty() && savePaths.isEmpty() && answers.isEmpty();
+        return unexpected.isEmpty() && savePaths.isEmpty() && openPaths.isEmpty() &&
+               answers.isEmpty();
     }
 
     std::optional<QString> chooseSavePath(const QString &suggestedName) override
@@ -44,6 +46,15 @@ public:
             return std::nullopt;
         }
         return savePaths.takeFirst();
+    }
+
+    std::optional<QString> chooseOpenPath(const QString &kind, const QString &) override
+    {
+        if (openPaths.isEmpty()) {
+            unexpected.append(kind);
+            return std::nullopt;
+        }
+        return openPaths.takeFirst();
     }
 
     int ask(const Question &question) override

@@ -1,0 +1,182 @@
+#include "AppModel.h"
+
+#include "QSDesktop.h"
+#include "QSDirectory.h"
+#include "QSDrafts.h"
+#include "QSFile.h"
+
+#include <QScopedValueRollback>
+
+#include <algorithm>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+std::shared_ptr<QSPDFDocument> openDraft(const QList<FormValue> &values)
+{
+    const std::shared_ptr<QSPDFDocument> document =
+        QSPDFDocument::open(QSFile::read(QSDrafts::formPDF()));
+    const auto count = std::min(values.size(), document->fields().size());
+    for (int id = 0; id < count; ++id) {
+        if (document->value(id) != values.at(id)) {
+            (void)document->setValue(id, values.at(id));
+        }
+    }
+    return document;
+}
+} // namespace
+
+void AppModel::startDrafts()
+{
+    offerProfileDraft();
+    offerDocumentDraft();
+    const std::optional<FormDraft> form = QSDrafts::form();
+    if (!form || !askToReopen(form->title)) {
+        m_drafting = true;
+        keepDrafts();
+        return;
+    }
+    using Document = std::shared_ptr<QSPDFDocument>;
+    runBusy<Document>(
+        u"Opening \"%1\"\u2026"_s.arg(form->title),
+        [values = form->values] { return openDraft(values); },
+        [this, draft = *form](const AsyncTask::Outcome<Document> &opened) {
+            if (opened.result) {
+                reopenForm(draft, *opened.result);
+                m_drafting = true;
+            } else { // what was typed stays where it is
+                setMessage(u"\"%1\" could not be opened again: %2 What was typed is in %3"_s.arg(
+                    draft.title, opened.error->description(), QSDrafts::folder().path()));
+            }
+        });
+}
+
+bool AppModel::askToReopen(const QString &name)
+{
+    const QScopedValueRollback asking(m_asking, true);
+    return m_desktop.ask({u"\"%1\" was not saved when the program last ended."_s.arg(name),
+                          u"What was typed into it is still there."_s,
+                          {u"Open It Again"_s, u"Delete It"_s},
+                          0}) == 0;
+}
+
+void AppModel::offerProfileDraft()
+{
+    const std::optional<QMap<QString, QString>> draft = QSDrafts::profile();
+    if (draft && *draft != savedProfile()) {
+        m_profileEdits = draft;
+        setMessage(u"What was typed on the My Profile screen and not saved is still there."_s);
+        Q_EMIT profileEdited();
+    }
+}
+
+void AppModel::offerDocumentDraft()
+{
+    std::optional<QSDocument> draft = QSDrafts::document();
+    if (!draft) {
+        return;
+    }
+    std::optional<QSDocument> saved;
+    if (draft->id) {
+        withStore([&](QSStore &open) { saved = open.document(*draft->id); });
+    }
+    if (!saved) {
+        draft->id.reset(); // its record is gone; saving makes another
+    }
+    const DocumentSession session(*draft, saved.value_or(QSDocument()));
+    if (session.hasUnsavedChanges() && askToReopen(draft->title)) {
+        m_editing = session;
+        Q_EMIT editingChanged();
+    }
+}
+
+void AppModel::reopenForm(const FormDraft &draft, const std::shared_ptr<QSPDFDocument> &document)
+{
+    const QSEntry *entry = QSDirectory::shared().entry(draft.entryID);
+    OpenPDF form{.entry = entry ? std::optional(*entry) : std::nullopt,
+                 .title = draft.title,
+                 .document = document,
+                 .saved = {},
+                 .status = u"Not saved yet"_s};
+    for (const QSFilledPDF &copy : filledPDFs().value_or(QList<QSFilledPDF>())) {
+        if (copy.id == draft.savedID) {
+            form.saved = copy;
+        }
+    }
+    m_openPDF.emplace(form);
+    m_openPDF->markUnsaved();
+    m_draftedForm = form.id;
+    Q_EMIT openPDFChanged();
+}
+
+void AppModel::draftSoon()
+{
+    if (m_drafting && !m_draftTimer.isActive()) {
+        m_draftTimer.start();
+    }
+}
+
+void AppModel::keepDrafts()
+{
+    m_draftTimer.stop();
+    if (!m_drafting) {
+        return;
+    }
+    try {
+        if (m_profileEdits) {
+            QSDrafts::keepProfile(*m_profileEdits);
+        } else {
+            QSDrafts::dropProfile();
+        }
+        if (m_editing && m_editing->hasUnsavedChanges()) {
+            QSDrafts::keepDocument(m_editing->document());
+        } else {
+            QSDrafts::dropDocument();
+        }
+        if (m_openPDF && m_openPDF->hasUnsavedChanges()) {
+            keepFormDraft();
+        } else {
+            m_draftedForm = QUuid();
+            QSDrafts::dropForm();
+        }
+    } catch (const QSError &error) {
+        cannotDraft(error);
+    }
+}
+
+void AppModel::keepFormDraft()
+{
+    const OpenPDF &form = m_openPDF->form();
+    if (m_draftedForm == form.id) {
+        QSDrafts::keepForm({.entryID = m_openPDF->entryID(),
+                            .title = form.title,
+                            .savedID = form.saved ? form.saved->id : std::nullopt,
+                            .values = form.document->values()});
+        return;
+    }
+    // The file is made once, away from the main thread; after it only the values are written.
+    AsyncTask::run<QUuid>(
+        this,
+        [id = form.id, document = form.document] {
+            QSDrafts::keepFormPDF(document->bytes());
+            return id;
+        },
+        [this](const AsyncTask::Outcome<QUuid> &kept) {
+            if (kept.error) {
+                cannotDraft(*kept.error);
+                return;
+            }
+            if (m_openPDF && m_openPDF->form().id == *kept.result) {
+                m_draftedForm = *kept.result;
+            }
+            keepDrafts();
+        });
+}
+
+void AppModel::cannotDraft(const QSError &error)
+{
+    if (!std::exchange(m_toldOfDrafts, true)) {
+        setMessage(
+            u"What you type is in memory alone until you save it: %1"_s.arg(error.description()));
+    }
+}

@@ -1,0 +1,197 @@
+#include "QSDrafts.h"
+
+#include "QSError.h"
+#include "QSFile.h"
+#include "QSInfo.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+const QString documentFile = u"document.json"_s;
+const QString formFile = u"form.json"_s;
+const QString profileFile = u"profile.json"_s;
+
+QString path(const QString &name)
+{
+    return QSDrafts::folder().filePath(name);
+}
+
+void keep(const QString &name, const QJsonObject &draft)
+{
+    QSFile::write(path(name), QJsonDocument(draft).toJson(), QSFile::Readers::owner);
+}
+
+std::optional<QJsonObject> kept(const QString &name)
+{
+    if (!QFile::exists(path(name))) {
+        return std::nullopt;
+    }
+    try {
+        const QJsonDocument json = QJsonDocument::fromJson(QSFile::read(path(name)));
+        return json.isObject() ? std::optional(json.object()) : std::nullopt;
+    } catch (const QSError &error) {
+        qWarning("%s: %s", qUtf8Printable(path(name)), error.what());
+        return std::nullopt;
+    }
+}
+
+void drop(const QString &name)
+{
+    QFile::remove(path(name));
+}
+
+QJsonObject toJSON(const QMap<QString, QString> &texts)
+{
+    QJsonObject object;
+    for (auto text = texts.cbegin(); text != texts.cend(); ++text) {
+        object.insert(text.key(), text.value());
+    }
+    return object;
+}
+
+QMap<QString, QString> texts(const QJsonObject &object)
+{
+    QMap<QString, QString> texts;
+    for (auto text = object.constBegin(); text != object.constEnd(); ++text) {
+        texts.insert(text.key(), text.value().toString());
+    }
+    return texts;
+}
+
+QJsonValue toJSON(const std::optional<qint64> &id)
+{
+    return id ? QJsonValue(*id) : QJsonValue();
+}
+
+std::optional<qint64> idFrom(const QJsonValue &id)
+{
+    return id.isDouble() ? std::optional(id.toInteger()) : std::nullopt;
+}
+
+QJsonObject toJSON(const FormValue &value)
+{
+    QJsonArray chosen;
+    for (const int choice : value.chosen) {
+        chosen.append(choice);
+    }
+    return {{u"text"_s, value.text}, {u"on"_s, value.on}, {u"chosen"_s, chosen}};
+}
+
+FormValue valueFrom(const QJsonObject &object)
+{
+    FormValue value{.text = object[u"text"].toString(), .on = object[u"on"].toBool(), .chosen = {}};
+    for (const QJsonValue &choice : object[u"chosen"].toArray()) {
+        value.chosen.append(choice.toInt());
+    }
+    return value;
+}
+} // namespace
+
+namespace QSDrafts {
+QDir folder()
+{
+    const QDir data = QSInfo::dataFolder();
+    data.mkpath(u"Drafts"_s);
+    return data.filePath(u"Drafts"_s);
+}
+
+void keepDocument(const QSDocument &document)
+{
+    keep(documentFile, {{u"id"_s, toJSON(document.id)},
+                        {u"templateID"_s, document.templateID},
+                        {u"templateVersion"_s, document.templateVersion},
+                        {u"title"_s, document.title},
+                        {u"values"_s, toJSON(document.values)},
+                        {u"state"_s, document.state},
+                        {u"created"_s, document.created.toMSecsSinceEpoch()},
+                        {u"modified"_s, document.modified.toMSecsSinceEpoch()}});
+}
+
+std::optional<QSDocument> document()
+{
+    const std::optional<QJsonObject> draft = kept(documentFile);
+    if (!draft) {
+        return std::nullopt;
+    }
+    const auto time = [&](QStringView key) {
+        return QDateTime::fromMSecsSinceEpoch(draft->value(key).toInteger(), Qt::UTC);
+    };
+    return QSDocument{.id = idFrom(draft->value(u"id")),
+                      .templateID = draft->value(u"templateID").toString(),
+                      .templateVersion = draft->value(u"templateVersion").toString(),
+                      .title = draft->value(u"title").toString(),
+                      .values = texts(draft->value(u"values").toObject()),
+                      .state = draft->value(u"state").toString(),
+                      .created = time(u"created"),
+                      .modified = time(u"modified")};
+}
+
+void dropDocument()
+{
+    drop(documentFile);
+}
+
+void keepFormPDF(const QByteArray &pdf)
+{
+    QSFile::write(formPDF(), pdf, QSFile::Readers::owner);
+}
+
+QString formPDF()
+{
+    return path(u"form.pdf"_s);
+}
+
+void keepForm(const FormDraft &form)
+{
+    QJsonArray values;
+    for (const FormValue &value : form.values) {
+        values.append(toJSON(value));
+    }
+    keep(formFile, {{u"entryID"_s, form.entryID},
+                    {u"title"_s, form.title},
+                    {u"savedID"_s, toJSON(form.savedID)},
+                    {u"values"_s, values}});
+}
+
+std::optional<FormDraft> form()
+{
+    const std::optional<QJsonObject> draft = kept(formFile);
+    if (!draft || !QFile::exists(formPDF())) {
+        return std::nullopt;
+    }
+    FormDraft form{.entryID = draft->value(u"entryID").toString(),
+                   .title = draft->value(u"title").toString(),
+                   .savedID = idFrom(draft->value(u"savedID")),
+                   .values = {}};
+    for (const QJsonValue &value : draft->value(u"values").toArray()) {
+        form.values.append(valueFrom(value.toObject()));
+    }
+    return form;
+}
+
+void dropForm()
+{
+    drop(formFile);
+    QFile::remove(formPDF());
+}
+
+void keepProfile(const QMap<QString, QString> &profile)
+{
+    keep(profileFile, toJSON(profile));
+}
+
+std::optional<QMap<QString, QString>> profile()
+{
+    const std::optional<QJsonObject> draft = kept(profileFile);
+    return draft ? std::optional(texts(*draft)) : std::nullopt;
+}
+
+void dropProfile()
+{
+    drop(profileFile);
+}
+} // namespace QSDrafts

@@ -1,0 +1,151 @@
+#include "AppModel.h"
+#include "FakeDesktop.h"
+#include "QSDrafts.h"
+#include "QSError.h"
+#include "QSTemplates.h"
+#include "ScratchUser.h"
+#include "TestFiles.h"
+
+#include <QTest>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+constexpr int openAgain = 0;
+constexpr int deleteIt = 1;
+constexpr int dontSave = 1;
+const QString key = u"tenant_name"_s;
+
+QStringList drafts()
+{
+    return QSDrafts::folder().entryList(QDir::Files, QDir::Name);
+}
+} // namespace
+
+/// What is typed and not saved outlives the program.
+class TestDrafts final : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init()
+    {
+        m_user = std::make_unique<ScratchUser>();
+        m_desktop = std::make_unique<FakeDesktop>();
+        crashAndStart();
+    }
+
+    void cleanup()
+    {
+        QVERIFY2(m_desktop->settled(), qPrintable(m_desktop->unexpected.join(u'\n')));
+        m_model.reset();
+        QSStore::setShared(nullptr);
+        m_user.reset();
+    }
+
+    void aDocumentComesBackUntilItIsSaved()
+    {
+        m_model->newDocument(*QSTemplates::templateById(u"rent-receipt"_s));
+        m_model->keepDrafts();
+        QCOMPARE(drafts(), QStringList()); // nothing was typed
+        m_model->setEditedValue(key, u"Rosa"_s);
+        QTRY_COMPARE(drafts(), QStringList{u"document.json"_s}); // by itself, after a while
+        m_desktop->answers = {openAgain};
+        crashAndStart();
+        QCOMPARE(m_desktop->questions.constLast().text,
+                 u"\"%1\" was not saved when the program last ended."_s.arg(
+                     QSTemplates::templateById(u"rent-receipt"_s)->title));
+        QVERIFY(m_model->editing()->hasUnsavedChanges());
+        QCOMPARE(m_model->editing()->document().values.value(key), u"Rosa"_s);
+        QVERIFY(m_model->saveEdited());
+        QCOMPARE(drafts(), QStringList());
+
+        const std::optional<qint64> id = m_model->editing()->document().id;
+        m_model->setEditedValue(key, u"Rosa Delgado"_s);
+        m_model->keepDrafts();
+        m_desktop->answers = {openAgain};
+        crashAndStart();
+        QCOMPARE(m_model->editing()->document().id, id); // a draft of what is saved already
+        QSStore::shared()->deleteDocument(id.value());
+        m_desktop->answers = {deleteIt};
+        crashAndStart();
+        QVERIFY(!m_model->editing());
+        QCOMPARE(drafts(), QStringList());
+    }
+
+    void aFormComesBackWithEveryAnswer()
+    {
+        m_model->openPractice();
+        type(0, u"Rosa"_s);
+        m_model->keepDrafts();
+        QTRY_COMPARE(drafts(), QStringList({u"form.json"_s, u"form.pdf"_s}));
+        type(1, u"Calle Ñ 5"_s);
+        m_model->keepDrafts();
+        m_desktop->answers = {openAgain};
+        crashAndStart();
+        QTRY_VERIFY(m_model->openPDF());
+        const QSPDFDocument &document = m_model->openPDF()->document();
+        QCOMPARE(document.value(0).text, u"Rosa"_s);
+        QCOMPARE(document.value(1).text, u"Calle Ñ 5"_s);
+        QVERIFY(m_model->openPDF()->hasUnsavedChanges());
+        QVERIFY(m_model->saveForm());
+        QCOMPARE(drafts(), QStringList());
+
+        type(2, u"Pueblo"_s);
+        m_model->keepDrafts();
+        QTRY_COMPARE(drafts().size(), 2);
+        m_desktop->answers = {openAgain};
+        crashAndStart();
+        QTRY_VERIFY(m_model->openPDF());
+        QVERIFY(m_model->openPDF()->form().saved); // the copy that it came from
+        m_desktop->answers = {dontSave};
+        QVERIFY(m_model->closeForm());
+        QCOMPARE(drafts(), QStringList());
+    }
+
+    void theProfileComesBack()
+    {
+        m_model->setProfileValue(u"name"_s, u"Rosa"_s);
+        m_model->keepDrafts();
+        crashAndStart();
+        QVERIFY(m_model->hasUnsavedProfile());
+        QCOMPARE(m_model->profile().value(u"name"_s), u"Rosa"_s);
+        QVERIFY(m_model->saveProfile());
+        QCOMPARE(drafts(), QStringList());
+    }
+
+    void aDraftThatCannotBeKeptIsSaidOnce()
+    {
+        QDir(QSDrafts::folder()).removeRecursively();
+        writeFile(QSInfo::dataFolder().filePath(u"Drafts"_s), "in the way");
+        m_model->setProfileValue(u"name"_s, u"Rosa"_s);
+        m_model->keepDrafts();
+        QVERIFY(m_model->message()->startsWith(u"What you type is in memory alone"));
+        m_model->setMessage(std::nullopt);
+        m_model->keepDrafts();
+        QVERIFY(!m_model->message());
+    }
+
+private:
+    /// The program ends without closing anything, and starts again.
+    void crashAndStart()
+    {
+        m_model.reset();
+        QSStore::setShared(nullptr);
+        QSStore::setShared(std::make_unique<QSStore>(QSInfo::databaseURL()));
+        m_model = std::make_unique<AppModel>(*m_desktop);
+        m_model->startDrafts();
+    }
+
+    void type(int field, const QString &text)
+    {
+        m_model->setFormValue(field, {.text = text, .on = false, .chosen = {}});
+    }
+
+    std::unique_ptr<ScratchUser> m_user;
+    std::unique_ptr<FakeDesktop> m_desktop;
+    std::unique_ptr<AppModel> m_model;
+};
+
+QTEST_MAIN(TestDrafts)
+#include "tst_drafts.moc"
