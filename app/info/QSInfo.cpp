@@ -74,6 +74,11 @@ QDir filledFolder()
     return ownFolder(dataFolder().filePath(u"Filled PDFs"_s));
 }
 
+QDir draftsFolder()
+{
+    return ownFolder(dataFolder().filePath(u"Drafts"_s));
+}
+
 void setResourceFolderOverride(const std::optional<QString> &path)
 {
     resourceOverride = path;

@@ -45,6 +45,8 @@ QUrl databaseURL();
 QDir cacheFolder();
 /// Filled copies of official forms; created when missing.
 QDir filledFolder();
+/// What is typed and not saved; created when missing.
+QDir draftsFolder();
 
 /// Replaces the folder with the shipped resources; nullopt ends that.
 void setResourceFolderOverride(const std::optional<QString> &path);

@@ -4,6 +4,7 @@
 #include "QSDirectory.h"
 #include "QSDrafts.h"
 #include "QSFile.h"
+#include "QSInfo.h"
 
 #include <QScopedValueRollback>
 
@@ -46,7 +47,7 @@ void AppModel::startDrafts()
                 m_drafting = true;
             } else { // what was typed stays where it is
                 setMessage(u"\"%1\" could not be opened again: %2 What was typed is in %3"_s.arg(
-                    draft.title, opened.error->description(), QSDrafts::folder().path()));
+                    draft.title, opened.error->description(), QSInfo::draftsFolder().path()));
             }
         });
 }

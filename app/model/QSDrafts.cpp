@@ -17,7 +17,7 @@ const QString profileFile = u"profile.json"_s;
 
 QString path(const QString &name)
 {
-    return QSDrafts::folder().filePath(name);
+    return QSInfo::draftsFolder().filePath(name);
 }
 
 void keep(const QString &name, const QJsonObject &draft)
@@ -92,13 +92,6 @@ FormValue valueFrom(const QJsonObject &object)
 } // namespace
 
 namespace QSDrafts {
-QDir folder()
-{
-    const QDir data = QSInfo::dataFolder();
-    data.mkpath(u"Drafts"_s);
-    return data.filePath(u"Drafts"_s);
-}
-
 void keepDocument(const QSDocument &document)
 {
     keep(documentFile, {{u"id"_s, toJSON(document.id)},

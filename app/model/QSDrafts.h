@@ -3,7 +3,6 @@
 #include "FormField.h"
 #include "QSStore.h"
 
-#include <QDir>
 #include <QList>
 #include <QMap>
 
@@ -27,9 +26,6 @@ struct FormDraft
 /// The files are for their owner's eyes only. What is kept is written whole or not at all and
 /// throws QSError::invalid when that fails; what can't be read is absent.
 namespace QSDrafts {
-/// "Drafts" in the data folder; created when missing.
-[[nodiscard]] QDir folder();
-
 void keepDocument(const QSDocument &document);
 [[nodiscard]] std::optional<QSDocument> document();
 void dropDocument();

@@ -18,7 +18,7 @@ const QString key = u"tenant_name"_s;
 
 QStringList drafts()
 {
-    return QSDrafts::folder().entryList(QDir::Files, QDir::Name);
+    return QSInfo::draftsFolder().entryList(QDir::Files, QDir::Name);
 }
 } // namespace
 
@@ -116,7 +116,7 @@ private Q_SLOTS:
 
     void aDraftThatCannotBeKeptIsSaidOnce()
     {
-        QDir(QSDrafts::folder()).removeRecursively();
+        QVERIFY(QSInfo::draftsFolder().removeRecursively());
         writeFile(QSInfo::dataFolder().filePath(u"Drafts"_s), "in the way");
         m_model->setProfileValue(u"name"_s, u"Rosa"_s);
         m_model->keepDrafts();
