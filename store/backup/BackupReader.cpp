@@ -126,7 +126,7 @@ private:
 constexpr double infinity = std::numeric_limits<double>::infinity();
 
 /// The number that the whole text stands for; absent when the type can't hold it. The parser's own
-/// conversion is not exact unless told to be, and then at a loss with some zeros.
+/// conversion is either not exact or, asked to be, undefined for some ways to write zero.
 template <typename Number>
 std::optional<Number> number(std::string_view text)
 {
