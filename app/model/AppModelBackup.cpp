@@ -14,7 +14,7 @@ const QString cannotBackUp = u"The backup could not be made."_s;
 /// What is said after a backup of that name.
 QString written(const QString &name, int leftOut)
 {
-    const QString saved = u"Saved "_s + name;
+    QString saved = u"Saved "_s + name;
     if (leftOut == 0) {
         return saved;
     }

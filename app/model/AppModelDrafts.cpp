@@ -15,7 +15,7 @@ using namespace Qt::Literals::StringLiterals;
 namespace {
 std::shared_ptr<QSPDFDocument> openDraft(const QList<FormValue> &values)
 {
-    const std::shared_ptr<QSPDFDocument> document =
+    std::shared_ptr<QSPDFDocument> document =
         QSPDFDocument::open(QSFile::read(QSDrafts::formPDF()));
     const auto count = std::min(values.size(), document->fields().size());
     for (int id = 0; id < count; ++id) {

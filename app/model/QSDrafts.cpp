@@ -84,7 +84,7 @@ QJsonObject toJSON(const FormValue &value)
 FormValue valueFrom(const QJsonObject &object)
 {
     FormValue value{.text = object[u"text"].toString(), .on = object[u"on"].toBool(), .chosen = {}};
-    for (const QJsonValue &choice : object[u"chosen"].toArray()) {
+    for (const auto &choice : object[u"chosen"].toArray()) {
         value.chosen.append(choice.toInt());
     }
     return value;
@@ -160,7 +160,7 @@ std::optional<FormDraft> form()
                    .title = draft->value(u"title").toString(),
                    .savedID = idFrom(draft->value(u"savedID")),
                    .values = {}};
-    for (const QJsonValue &value : draft->value(u"values").toArray()) {
+    for (const auto &value : draft->value(u"values").toArray()) {
         form.values.append(valueFrom(value.toObject()));
     }
     return form;
