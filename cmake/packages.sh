@@ -9,7 +9,7 @@ packages_build=(
 packages_run=(
   libqt6svg6 qt6-qpa-plugins qt6-wayland xdg-utils
   libreoffice-writer-nogui
-  fonts-liberation2 fonts-inter fonts-dejavu-core fonts-droid-fallback
+  fonts-liberation2 fonts-inter fonts-dejavu-core fonts-droid-fallback fonts-urw-base35
 )
 packages_test=(
   poppler-utils qpdf sqlite3 unzip openssl
