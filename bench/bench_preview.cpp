@@ -8,7 +8,7 @@
 #include "QSThemes.h"
 #include "QtDesktop.h"
 #include "Samples.h"
-#include "VellStyle.h"
+#include "VellThemeRoot.h"
 #include "editor/FieldEditor.h"
 #include "editor/PaperPreview.h"
 
@@ -72,7 +72,9 @@ int main(int argc, char *argv[])
 {
     const SampleUser user;
     PaintWatch application(argc, argv);
-    VellStyle::apply(application, QSThemes::extras().constFirst());
+    VellThemes::registerThemes(QSThemes::extras());
+    VellThemes::setDefaultID(QSThemes::graphiteID);
+    new VellThemeRoot(application);
     QSStore::setShared(std::make_unique<QSStore>(QSInfo::databaseURL()));
     {
         QtDesktop desktop;

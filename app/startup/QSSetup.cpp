@@ -8,7 +8,7 @@
 #include "QSTemplates.h"
 #include "QSThemes.h"
 #include "VellAbout.h"
-#include "VellStyle.h"
+#include "VellThemeRoot.h"
 
 #include <QApplication>
 
@@ -39,7 +39,11 @@ void configure()
 {
     VellThemes::setDefaultID(QSThemes::graphiteID);
     VellThemes::registerThemes(QSThemes::extras());
-    VellStyle::apply(*qApp, VellThemes::current());
+    if (VellThemeRoot::instance()) {
+        VellThemeRoot::refresh();
+    } else {
+        new VellThemeRoot(*qApp);
+    }
     VellAbout::setExtraLines(
         {u"Official legal forms and plain-English templates. No legal advice."_s,
          u"Official forms directory checked "_s + QSDate::longText(QSDirectory::shared().checked) +

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "QSThemes.h"
-#include "VellStyle.h"
+#include "VellThemeRoot.h"
 
 #include <QApplication>
 #include <QLabel>
@@ -24,7 +24,7 @@ protected:
     {
         VellThemes::registerThemes(QSThemes::extras());
         VellThemes::setDefaultID(QSThemes::graphiteID);
-        VellStyle::apply(*qApp, VellThemes::current());
+        new VellThemeRoot(*qApp);
     }
 
     static QWidget *focused() { return QApplication::focusWidget(); }

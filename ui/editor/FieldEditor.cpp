@@ -1,7 +1,7 @@
 #include "FieldEditor.h"
 
 #include "FieldEditors.h"
-#include "VxIcon.h"
+#include "VxIconLabel.h"
 #include "VxText.h"
 
 #include <QHBoxLayout>
@@ -53,9 +53,7 @@ QWidget *FieldEditor::createLabelRow()
     layout->addWidget(m_label, 1);
     if (m_field.profileKey) {
         const QString hint = u"Fills from My Profile"_s;
-        auto *mark = new QLabel(row);
-        mark->setPixmap(VxIcon::named(u"person.crop.circle.fill"_s)
-                            .pixmap(fontMetrics().height(), fontMetrics().height()));
+        auto *mark = new VxIconLabel(u"person.crop.circle.fill"_s, row);
         mark->setToolTip(hint);
         mark->setAccessibleName(hint);
         layout->addWidget(mark, 0, Qt::AlignRight | Qt::AlignBottom);

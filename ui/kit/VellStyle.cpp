@@ -3,7 +3,6 @@
 #include "VellTheme.h"
 
 #include <QApplication>
-#include <QFont>
 #include <QStyle>
 #include <QStyleFactory>
 
@@ -174,9 +173,6 @@ void apply(QApplication &application, const VellTheme &theme)
         QApplication::setStyle(QStyleFactory::create(u"Fusion"_s));
     }
     QApplication::setPalette(palette(theme));
-    QFont font = QApplication::font();
-    font.setFamilies({u"Inter"_s, font.family()});
-    QApplication::setFont(font);
     application.setStyleSheet(styleSheet(theme));
 }
 } // namespace VellStyle

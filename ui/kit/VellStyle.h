@@ -11,6 +11,6 @@ struct VellTheme;
 namespace VellStyle {
 [[nodiscard]] QPalette palette(const VellTheme &theme);
 [[nodiscard]] QString styleSheet(const VellTheme &theme);
-/// Gives the whole program the theme's look, and the interface's typeface where it is installed.
+/// Gives the whole program the theme's look.
 void apply(QApplication &application, const VellTheme &theme);
 } // namespace VellStyle

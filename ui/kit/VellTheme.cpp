@@ -1,6 +1,7 @@
 #include "VellTheme.h"
 
 #include "QSPrefs.h"
+#include "VellThemeRoot.h"
 
 #include <QSettings>
 
@@ -12,6 +13,7 @@ using namespace Qt::Literals::StringLiterals;
 namespace {
 QList<VellTheme> registered;
 QString chosenDefault;
+const QString key = u"vell.theme"_s;
 
 double linear(double channel)
 {
@@ -93,7 +95,13 @@ void setDefaultID(const QString &id)
 
 QString currentID()
 {
-    return QSPrefs::settings()->value(u"vell.theme"_s, defaultID()).toString();
+    return QSPrefs::settings()->value(key, defaultID()).toString();
+}
+
+void setCurrentID(const QString &id)
+{
+    QSPrefs::settings()->setValue(key, id);
+    VellThemeRoot::refresh();
 }
 
 VellTheme named(const QString &id)

@@ -59,6 +59,8 @@ void registerThemes(const QList<VellTheme> &themes);
 void setDefaultID(const QString &id);
 /// The id in the preferences, or the default's.
 [[nodiscard]] QString currentID();
+/// Stores the choice and shows it in every window.
+void setCurrentID(const QString &id);
 /// The theme of that id, else the default one, else the first.
 [[nodiscard]] VellTheme named(const QString &id);
 [[nodiscard]] VellTheme current();

@@ -1,6 +1,7 @@
 #include "VxMessageBar.h"
 
 #include "VxIcon.h"
+#include "VxIconLabel.h"
 #include "VxText.h"
 
 #include <QAccessibleWidget>
@@ -33,7 +34,7 @@ QAccessibleInterface *accessible(const QString &, QObject *object)
 
 VxMessageBar::VxMessageBar(QWidget *parent)
     : QFrame(parent),
-      m_icon(new QLabel(this)),
+      m_icon(new VxIconLabel(u"info.circle.fill"_s, this)),
       m_text(VxText::make({}, VxText::Role::body, this)),
       m_busy(VxText::make({}, VxText::Role::body, this)),
       m_bar(new QProgressBar(this)),
@@ -43,7 +44,6 @@ VxMessageBar::VxMessageBar(QWidget *parent)
     QAccessible::installFactory(accessible); // once, however often it is called
     setObjectName(u"message"_s);
     const int em = fontMetrics().height();
-    m_icon->setPixmap(VxIcon::named(u"info.circle.fill"_s).pixmap(em, em));
     m_bar->setTextVisible(false);
     m_bar->setFixedWidth(em * 8);
     m_dismiss->setIcon(VxIcon::named(u"xmark"_s));

@@ -6,6 +6,7 @@ class QLabel;
 class QProgressBar;
 class QPushButton;
 class QToolButton;
+class VxIconLabel;
 
 /// One line of the window for what just happened or is going on: a sentence that stays until it
 /// is dismissed or replaced, and a busy text with a bar that moves or shows how far the work is.
@@ -42,7 +43,7 @@ private:
     /// Shows the bar while it has something to show. The news is read out.
     void showWith(const QString &news);
 
-    QLabel *m_icon;
+    VxIconLabel *m_icon;
     QLabel *m_text;
     QLabel *m_busy;
     QProgressBar *m_bar;

@@ -6,6 +6,7 @@
 #include "QSDirectory.h"
 #include "VxButton.h"
 #include "VxFlow.h"
+#include "VxIconLabel.h"
 #include "VxPanel.h"
 #include "VxText.h"
 
@@ -123,8 +124,8 @@ EntryDetail::Line EntryDetail::addLine(QVBoxLayout *column)
 {
     auto *row = new QHBoxLayout;
     column->addLayout(row);
-    const Line line{new QLabel(this), VxText::make({}, VxText::Role::body, this)};
-    row->addWidget(line.lead, 0, Qt::AlignTop);
+    const Line line{new VxIconLabel(this), VxText::make({}, VxText::Role::body, this)};
+    row->addWidget(line.icon, 0, Qt::AlignTop);
     row->addWidget(line.text, 1);
     return line;
 }
@@ -152,13 +153,13 @@ void EntryDetail::createFacts(QVBoxLayout *column)
     facts->setColumnStretch(1, 1);
     column->addLayout(facts);
     const auto add = [this, facts](const QString &name) {
-        const Line fact{VxText::make(name, VxText::Role::note, this),
+        const Fact fact{VxText::make(name, VxText::Role::note, this),
                         VxText::make({}, VxText::Role::body, this)};
-        fact.lead->setWordWrap(false);
-        fact.lead->setBuddy(fact.text);
+        fact.name->setWordWrap(false);
+        fact.name->setBuddy(fact.text);
         fact.text->setTextInteractionFlags(Qt::TextSelectableByMouse);
         const int row = facts->rowCount();
-        facts->addWidget(fact.lead, row, 0, Qt::AlignTop);
+        facts->addWidget(fact.name, row, 0, Qt::AlignTop);
         facts->addWidget(fact.text, row, 1);
         return fact;
     };
@@ -221,13 +222,12 @@ void EntryDetail::display(const QSEntry *entry)
     if (!entry) {
         return;
     }
-    const int em = fontMetrics().height();
     const QSStatus::S status = m_model.linkStatus(*entry);
     m_title->setText(entry->displayTitle());
     m_agency->setText(entry->agency);
-    m_kind.lead->setPixmap(EntryLook::kindIcon(*entry).pixmap(em, em));
+    m_kind.icon->setSymbol(EntryLook::kindSymbol(*entry));
     m_kind.text->setText(EntryLook::kind(*entry));
-    m_status.lead->setPixmap(EntryLook::statusIcon(status).pixmap(em, em));
+    m_status.icon->setSymbol(status.symbol, EntryLook::statusColour(status.level));
     m_status.text->setText(status.text);
     m_note->setText(entry->note);
     m_note->setVisible(!entry->note.isEmpty());
@@ -262,10 +262,10 @@ void EntryDetail::displayFacts(const std::optional<QSCacheMeta> &copy)
     }
 }
 
-void EntryDetail::setFact(const Line &fact, const QString &value)
+void EntryDetail::setFact(const Fact &fact, const QString &value)
 {
     fact.text->setText(value);
-    fact.lead->setVisible(!value.isEmpty());
+    fact.name->setVisible(!value.isEmpty());
     fact.text->setVisible(!value.isEmpty());
 }
 

@@ -12,6 +12,7 @@ class QPushButton;
 class QTextEdit;
 class QToolButton;
 class QVBoxLayout;
+class VxIconLabel;
 struct QSCacheMeta;
 
 /// One official form: what it is, how its link stands, where it is filed, what is known about the
@@ -30,10 +31,16 @@ public:
     void act();
 
 private:
-    /// A text with what stands before it: an icon, or what the text is about.
+    /// A text after its icon.
     struct Line
     {
-        QLabel *lead;
+        VxIconLabel *icon;
+        QLabel *text;
+    };
+    /// A text after what it is about.
+    struct Fact
+    {
+        QLabel *name;
         QLabel *text;
     };
 
@@ -44,7 +51,7 @@ private:
     void createMore(QVBoxLayout *column);
     void connectActions();
     void displayFacts(const std::optional<QSCacheMeta> &copy);
-    static void setFact(const Line &fact, const QString &value);
+    static void setFact(const Fact &fact, const QString &value);
     void forgetOpened();
 
     AppModel &m_model;
@@ -64,10 +71,10 @@ private:
     QPushButton *m_showCopy = nullptr;
     QLabel *m_officeHeading = nullptr;
     QLabel *m_office = nullptr;
-    Line m_number{};
-    Line m_revision{};
-    Line m_downloaded{};
-    Line m_copy{};
+    Fact m_number{};
+    Fact m_revision{};
+    Fact m_downloaded{};
+    Fact m_copy{};
     QToolButton *m_more = nullptr;
     QTextEdit *m_details = nullptr;
 };

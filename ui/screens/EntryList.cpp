@@ -1,7 +1,7 @@
 #include "EntryList.h"
 
 #include "FormsModel.h"
-#include "VellTheme.h"
+#include "VellThemeRoot.h"
 
 #include <QIcon>
 #include <QPainter>
@@ -95,7 +95,7 @@ void EntryDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option,
 
     const bool selected = option.state.testFlag(QStyle::State_Selected);
     const QColor lit = option.palette.color(QPalette::HighlightedText);
-    const VellTheme theme = VellThemes::current();
+    const VellTheme &theme = VellThemeRoot::theme();
     const int em = option.fontMetrics.height();
     painter->save();
     for (const Part &part : parts(index, option.font, option.rect)) {

@@ -1,17 +1,10 @@
 #include "EntryLook.h"
 
 #include "QSEntry.h"
-#include "VellTheme.h"
+#include "QSThemes.h"
 #include "VxIcon.h"
 
-#include <array>
-
 using namespace Qt::Literals::StringLiterals;
-
-namespace {
-// light enough for every theme's panels
-constexpr std::array<QRgb, 3> levelColours = {0, 0xFFFFD166, 0xFFFFA8A0};
-} // namespace
 
 namespace EntryLook {
 QString mainAction(const QSEntry &entry)
@@ -31,16 +24,24 @@ QString kind(const QSEntry &entry)
                : label;
 }
 
+QString kindSymbol(const QSEntry &entry)
+{
+    return QSKinds::info(entry.kind).symbol.toString();
+}
+
 QIcon kindIcon(const QSEntry &entry)
 {
-    return VxIcon::named(QSKinds::info(entry.kind).symbol.toString());
+    return VxIcon::named(kindSymbol(entry));
+}
+
+QColor statusColour(int level)
+{
+    return level == 0 ? QSColors::good : (level == 1 ? QSColors::warn : QSColors::bad);
 }
 
 QIcon statusIcon(const QSStatus::S &status)
 {
-    const auto level = static_cast<std::size_t>(qBound(0, status.level, 2));
-    return VxIcon::named(status.symbol, level == 0 ? VellThemes::current().dim.color()
-                                                   : QColor::fromRgb(levelColours.at(level)));
+    return VxIcon::named(status.symbol, statusColour(status.level));
 }
 
 QString buttonText(const QString &text)

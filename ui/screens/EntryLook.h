@@ -13,9 +13,12 @@ namespace EntryLook {
 [[nodiscard]] QString mainAction(const QSEntry &entry);
 /// "Official PDF · print and fill by hand"
 [[nodiscard]] QString kind(const QSEntry &entry);
+[[nodiscard]] QString kindSymbol(const QSEntry &entry);
 [[nodiscard]] QIcon kindIcon(const QSEntry &entry);
 /// The status's own shape; what needs attention has a colour besides.
 [[nodiscard]] QIcon statusIcon(const QSStatus::S &status);
+/// The colour that stands for a status's level.
+[[nodiscard]] QColor statusColour(int level);
 /// A button's text that shows its ampersands instead of underlining what follows them.
 [[nodiscard]] QString buttonText(const QString &text);
 } // namespace EntryLook

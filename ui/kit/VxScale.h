@@ -1,0 +1,15 @@
+#pragma once
+
+class QWidget;
+
+/// Makes a window larger or smaller as a whole.
+namespace VxScale {
+/// A widget with this property, set to true, keeps its lengths, and so does all inside it: pages
+/// have a zoom of their own.
+inline constexpr const char *ownScale = "vxOwnScale";
+
+/// Multiplies the lengths that were set on a widget and on what is inside it, hidden or not:
+/// margins, spacings, smallest and largest sizes, sizes of icons and rows, and fonts of a size of
+/// their own. Going there and back leads to where it began.
+void scale(QWidget *widget, double ratio);
+} // namespace VxScale

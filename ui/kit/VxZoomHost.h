@@ -1,0 +1,27 @@
+#pragma once
+
+#include <QScrollArea>
+
+/// What stands inside a window: a content that scrolls where the window is smaller than the
+/// smallest size it was made for, at every zoom. The window may become as small as that size, and
+/// smaller only where the screen is.
+class VxZoomHost final : public QScrollArea
+{
+    Q_OBJECT
+
+public:
+    /// The smallest size is in pixels at the zoom that is shown now.
+    VxZoomHost(QWidget *content, QSize smallest, QWidget *parent);
+
+    /// Shows the content's upper left corner, where its anchor "vell-zoom-origin" is.
+    void scrollToTop();
+
+protected:
+    void showEvent(QShowEvent *event) override;
+
+private:
+    /// The content's smallest size holds for the window too, where the screen has room for it.
+    void limitWindow();
+
+    QWidget *m_origin;
+};
