@@ -40,17 +40,20 @@ QSError failure(const QString &cause)
 /// One conversion's limit in time, whatever its steps are.
 struct Limit
 {
-    explicit Limit(milliseconds limit) : length(limit), deadline(limit) {}
+    Limit(milliseconds limit, std::stop_token stopped)
+        : length(limit), deadline(limit), stop(std::move(stopped))
+    {
+    }
 
     /// Calls waitFor with a slice of the time that is left (in ms) until it returns true; false
-    /// when the limit runs out first. Throws when the program is closing.
+    /// when the limit runs out first. Throws when it is stopped.
     template <typename Wait>
     [[nodiscard]] bool wait(Wait waitFor) const
     {
         constexpr qint64 slice = 100;
         do {
-            if (cancelled) {
-                throw failure(QStringLiteral("The program is closing."));
+            if (isStopped()) {
+                throw failure(QStringLiteral("The conversion was stopped."));
             }
             if (waitFor(static_cast<int>(std::min(slice, deadline.remainingTime())))) {
                 return true;
@@ -58,7 +61,8 @@ struct Limit
         } while (!deadline.hasExpired());
         return false;
     }
-    [[nodiscard]] bool isOver() const { return cancelled || deadline.hasExpired(); }
+    [[nodiscard]] bool isStopped() const { return cancelled || stop.stop_requested(); }
+    [[nodiscard]] bool isOver() const { return isStopped() || deadline.hasExpired(); }
     [[nodiscard]] QSError exceeded() const
     {
         const double seconds = std::chrono::duration<double>(length).count();
@@ -68,6 +72,7 @@ struct Limit
 
     milliseconds length;
     QDeadlineTimer deadline;
+    std::stop_token stop;
 };
 
 /// The programs folders of the makers' own packages, which have the version in their name, the
@@ -346,10 +351,11 @@ Settings currentSettings()
 }
 } // namespace
 
-QByteArray OfficeConverter::convert(const QByteArray &flatODF, const QString &target)
+QByteArray OfficeConverter::convert(const QByteArray &flatODF, const QString &target,
+                                    const std::stop_token &stop)
 {
     const Settings current = currentSettings();
-    const Limit limit(current.limit);
+    const Limit limit(current.limit, stop);
     const QString program = findProgram(current.program);
     if (program.isEmpty()) {
         throw failure(

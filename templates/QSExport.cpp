@@ -72,26 +72,27 @@ QByteArray QSExport::pdf(const QSRendered &rendered)
     return bytes;
 }
 
-QByteArray QSExport::docx(const QSRendered &rendered)
+QByteArray QSExport::docx(const QSRendered &rendered, const std::stop_token &stop)
 {
     return OfficeConverter::convert(QSFlatODF::write(rendered),
-                                    QStringLiteral("docx:MS Word 2007 XML"));
+                                    QStringLiteral("docx:MS Word 2007 XML"), stop);
 }
 
-QByteArray QSExport::rtf(const QSRendered &rendered)
+QByteArray QSExport::rtf(const QSRendered &rendered, const std::stop_token &stop)
 {
-    return OfficeConverter::convert(QSFlatODF::write(rendered), QStringLiteral("rtf"));
+    return OfficeConverter::convert(QSFlatODF::write(rendered), QStringLiteral("rtf"), stop);
 }
 
-QByteArray QSExport::data(const QSRendered &rendered, Format format)
+QByteArray QSExport::data(const QSRendered &rendered, Format format,
+                          const std::stop_token &stop)
 {
     switch (format) {
     case Format::pdf:
         return pdf(rendered);
     case Format::docx:
-        return docx(rendered);
+        return docx(rendered, stop);
     case Format::rtf:
-        return rtf(rendered);
+        return rtf(rendered, stop);
     }
     Q_UNREACHABLE();
 }

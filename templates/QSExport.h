@@ -6,6 +6,7 @@
 #include <QString>
 
 #include <array>
+#include <stop_token>
 
 class QPagedPaintDevice;
 
@@ -33,9 +34,11 @@ inline constexpr std::array<FormatInfo, 3> formats = {{
 
 /// US Letter pages with one-inch margins and "Page k of N" at the foot; fonts embedded.
 [[nodiscard]] QByteArray pdf(const QSRendered &rendered);
-[[nodiscard]] QByteArray docx(const QSRendered &rendered);
-[[nodiscard]] QByteArray rtf(const QSRendered &rendered);
-[[nodiscard]] QByteArray data(const QSRendered &rendered, Format format);
+/// This and the next throw, too, when they are stopped.
+[[nodiscard]] QByteArray docx(const QSRendered &rendered, const std::stop_token &stop = {});
+[[nodiscard]] QByteArray rtf(const QSRendered &rendered, const std::stop_token &stop = {});
+[[nodiscard]] QByteArray data(const QSRendered &rendered, Format format,
+                              const std::stop_token &stop = {});
 
 /// Draws the pages of pdf(), or those of them in the device's page ranges, on a printer or any
 /// other paged device. The device's paper is the caller's: a page stands in its middle, whatever

@@ -43,9 +43,10 @@ AppModel::AppModel(QSDesktop &desktop, QObject *parent)
 
 AppModel::~AppModel()
 {
-    m_opening.request_stop();
     m_check.request_stop();
-    m_closing.request_stop();
+    for (std::stop_source &work : m_works) {
+        work.request_stop();
+    }
 }
 
 bool AppModel::show(Screen screen)
@@ -102,6 +103,21 @@ void AppModel::setBusy(const std::optional<QString> &text)
 {
     m_busy = text;
     Q_EMIT busyChanged();
+}
+
+bool AppModel::canStopBusy() const
+{
+    const auto work = m_works.constFind(m_busyWork);
+    return work != m_works.constEnd() && work->stop_possible() && !work->stop_requested();
+}
+
+void AppModel::stopBusy()
+{
+    if (canStopBusy()) {
+        m_works[m_busyWork].request_stop();
+        setMessage(u"Stopped."_s);
+        Q_EMIT busyChanged();
+    }
 }
 
 void AppModel::setShowDisclaimer(bool shown)
@@ -320,11 +336,14 @@ void AppModel::exportDocument(const QSDocument &document, QSExport::Format forma
     const QSExport::FormatInfo &info = QSExport::info(format);
     exportFile(
         QSExport::safeFileName(document.title) + u'.' + info.extension.toString(),
-        [rendered = *rendered, format] { return QSExport::data(rendered, format); },
+        [rendered = *rendered, format](const std::stop_token &stop) {
+            return QSExport::data(rendered, format, stop);
+        },
         [](const QSError &) { return cannotExport; });
 }
 
-void AppModel::exportFile(const QString &name, const std::function<QByteArray()> &make,
+void AppModel::exportFile(const QString &name,
+                          const std::function<QByteArray(const std::stop_token &)> &make,
                           const std::function<QString(const QSError &)> &failure)
 {
     if (m_exporting) {
@@ -332,16 +351,22 @@ void AppModel::exportFile(const QString &name, const std::function<QByteArray()>
         return;
     }
     m_exporting = true;
-    runBusy<QByteArray>(u"Making \"%1\"\u2026"_s.arg(name), make,
-                        [this, name, failure](const AsyncTask::Outcome<QByteArray> &made) {
-                            m_exporting = false;
-                            if (made.result) {
-                                whenNothingIsAsked([=, this] { saveFile(*made.result, name); });
-                            } else {
-                                qWarning("%s", made.error->what());
-                                setMessage(failure(*made.error));
-                            }
-                        });
+    const std::stop_source stop;
+    runBusy<QByteArray>(
+        u"Making \"%1\"\u2026"_s.arg(name), stop,
+        [make, stop](const AsyncTask::Progress &) { return make(stop.get_token()); },
+        [this, name, failure, stop](const AsyncTask::Outcome<QByteArray> &made) {
+            m_exporting = false;
+            if (stop.stop_requested()) {
+                return;
+            }
+            if (made.result) {
+                whenNothingIsAsked([=, this] { saveFile(*made.result, name); });
+            } else {
+                qWarning("%s", made.error->what());
+                setMessage(failure(*made.error));
+            }
+        });
 }
 
 void AppModel::whenNothingIsAsked(const std::function<void()> &action)

@@ -9,6 +9,7 @@
 #include "QSStatus.h"
 #include "Screen.h"
 
+#include <QHash>
 #include <QMap>
 #include <QObject>
 #include <QString>
@@ -32,11 +33,11 @@ class AppModel final : public QObject
     Q_OBJECT
 
 public:
-    /// How far a check of all links has got.
-    struct Checking
+    /// How far a work has got.
+    struct Progress
     {
         int done = 0;
-        int total = 0;
+        int total = 0; ///< 0 where nobody knows
     };
     /// The two ways a filled form is handed over as a file.
     enum class FormExport { flattened, editable };
@@ -68,6 +69,11 @@ public:
     void setMessage(const std::optional<QString> &message);
     /// Text of a running operation; absent when none runs.
     [[nodiscard]] const std::optional<QString> &busy() const { return m_busy; }
+    [[nodiscard]] Progress busyProgress() const { return m_busyProgress; }
+    /// Whether the running operation can be ended, and was not yet told to.
+    [[nodiscard]] bool canStopBusy() const;
+    /// Ends the running operation, which leaves everything as it was.
+    void stopBusy();
     [[nodiscard]] bool showDisclaimer() const { return m_showDisclaimer; }
     void setShowDisclaimer(bool shown);
     /// The user has read the disclaimer; it does not come up by itself again.
@@ -139,7 +145,7 @@ public:
     /// Ends a running check; what was answered by then counts.
     void stopChecking();
     /// Absent while no check runs.
-    [[nodiscard]] const std::optional<Checking> &checking() const { return m_checking; }
+    [[nodiscard]] const std::optional<Progress> &checking() const { return m_checking; }
 
     // The form in the form window
     /// Absent while the form window is closed.
@@ -176,6 +182,8 @@ public:
     /// Asks for a backup and whether to go on, then replaces everything saved by it. What is open
     /// is closed first, which the user can refuse.
     void restore();
+    /// The same with this file, after the question.
+    void restoreFrom(const QString &path);
 
     // Drafts
     /// Offers what the last run left unsaved, then keeps drafts of what is typed, every few
@@ -228,9 +236,11 @@ private:
     bool withStore(Action action);
     void setBusy(const std::optional<QString> &text);
     /// Runs work in the background with a text for the user meanwhile; the text goes when the work
-    /// is done, unless another work's text has taken its place.
+    /// is done, unless another work's text has taken its place. Work that heeds a stop can be ended
+    /// by the user; what it came to is handed to done all the same.
     template <typename Result>
-    void runBusy(const QString &text, std::function<Result()> work,
+    void runBusy(const QString &text, const std::stop_source &stop,
+                 std::function<Result(const AsyncTask::Progress &)> work,
                  std::function<void(const AsyncTask::Outcome<Result> &)> done);
     /// Puts an action off until no question or panel stands open.
     void whenNothingIsAsked(const std::function<void()> &action);
@@ -238,7 +248,7 @@ private:
     /// Shows an entry on the forms screen.
     void showEntry(const QString &id);
     /// What was asked for before is not to be shown any more; the token says so of this one.
-    [[nodiscard]] std::stop_token startOpening();
+    [[nodiscard]] std::stop_source startOpening();
     void openSession(const OpenPDF &form);
     void dropForm();
     void openCopy(const QSEntry &entry, const QSCache::Result &copy,
@@ -246,7 +256,8 @@ private:
     void linksChecked(const QList<QSLinkChecker::Check> &checks);
     /// Makes a file in the background, then asks where to put it; the message when it can't be
     /// made.
-    void exportFile(const QString &name, const std::function<QByteArray()> &make,
+    void exportFile(const QString &name,
+                    const std::function<QByteArray(const std::stop_token &)> &make,
                     const std::function<QString(const QSError &)> &failure);
     void exportPDF(const std::shared_ptr<QSPDFDocument> &document, const QString &title,
                    FormExport how);
@@ -259,8 +270,7 @@ private:
     /// Asks where to put a file and writes it whole or not at all.
     void saveFile(const QByteArray &data, const QString &suggestedName);
     std::optional<QString> chooseSavePath(const QString &suggestedName);
-    /// The backup that the user has agreed to restore.
-    std::optional<QString> chooseBackup();
+    [[nodiscard]] bool askToRestore();
     /// The rendered document, or the message that there is none.
     std::optional<QSRendered> renderOrTell(const QSDocument &document);
     void draftSoon();
@@ -288,12 +298,13 @@ private:
     std::optional<FormSession> m_openPDF;
     std::optional<QSCategory> m_formCategory;
     std::optional<QString> m_selectedEntryID;
-    std::optional<Checking> m_checking;
+    std::optional<Progress> m_checking;
     std::optional<QMap<QString, QSLinkCheck>> m_linkChecks; ///< by URL; absent when out of date
+    Progress m_busyProgress;
     int m_busyWork = 0;         ///< number of the work whose text is shown
+    QHash<int, std::stop_source> m_works; ///< all that run, by number
     std::stop_source m_opening; ///< ends what was last asked to be shown in the form window
     std::stop_source m_check;   ///< ends the check of links that runs
-    std::stop_source m_closing; ///< ends whatever else runs on the network
     std::optional<QMap<QString, QString>> m_profileEdits;
     QTimer m_draftTimer;
     bool m_drafting = false;     ///< drafts are kept
@@ -302,18 +313,29 @@ private:
 };
 
 template <typename Result>
-void AppModel::runBusy(const QString &text, std::function<Result()> work,
+void AppModel::runBusy(const QString &text, const std::stop_source &stop,
+                       std::function<Result(const AsyncTask::Progress &)> work,
                        std::function<void(const AsyncTask::Outcome<Result> &)> done)
 {
     const int number = ++m_busyWork;
+    m_works.insert(number, stop);
+    m_busyProgress = {};
     setBusy(text);
-    AsyncTask::run<Result>(this, std::move(work),
-                           [this, number, done = std::move(done)](const auto &outcome) {
-                               if (number == m_busyWork) {
-                                   setBusy(std::nullopt);
-                               }
-                               done(outcome);
-                           });
+    AsyncTask::run<Result>(
+        this, std::move(work),
+        [this, number, done = std::move(done)](const auto &outcome) {
+            m_works.remove(number);
+            if (number == m_busyWork) {
+                setBusy(std::nullopt);
+            }
+            done(outcome);
+        },
+        [this, number](int part, int of) {
+            if (number == m_busyWork) {
+                m_busyProgress = {part, of};
+                Q_EMIT busyChanged();
+            }
+        });
 }
 
 template <typename Action>

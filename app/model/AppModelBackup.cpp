@@ -36,13 +36,18 @@ void AppModel::backupNow()
     if (!path) {
         return;
     }
+    const std::stop_source stop;
     runBusy<int>(
-        u"Backing up\u2026"_s,
-        [contents, url = QUrl::fromLocalFile(*path), stop = m_closing.get_token()] {
-            return QSBackup::write(contents, url, {}, stop);
+        u"Backing up\u2026"_s, stop,
+        [contents, url = QUrl::fromLocalFile(*path), stop](const AsyncTask::Progress &progress) {
+            return QSBackup::write(contents, url, progress, stop.get_token());
         },
-        [this, name = QFileInfo(*path).fileName()](const AsyncTask::Outcome<int> &leftOut) {
+        [this, stop,
+         name = QFileInfo(*path).fileName()](const AsyncTask::Outcome<int> &leftOut) {
             if (leftOut.error) {
+                if (stop.stop_requested()) {
+                    return;
+                }
                 qWarning("%s", leftOut.error->what());
             }
             setMessage(leftOut.result ? written(name, *leftOut.result) : cannotBackUp);
@@ -51,19 +56,32 @@ void AppModel::backupNow()
 
 void AppModel::restore()
 {
-    if (!store()) {
-        withStore([](QSStore &) {}); // says so
+    std::optional<QString> path;
+    if (withStore([](QSStore &) {})) {
+        const QScopedValueRollback asking(m_asking, true);
+        path = m_desktop.chooseOpenPath(u"Backups"_s, QSBackup::fileExtension);
+    }
+    if (path) {
+        restoreFrom(*path);
+    }
+}
+
+void AppModel::restoreFrom(const QString &path)
+{
+    if (!withStore([](QSStore &) {}) || !askToRestore()) {
         return;
     }
-    const std::optional<QString> path = chooseBackup();
-    if (!path) {
-        return;
-    }
+    const std::stop_source stop;
     runBusy<QSBackup::Staged>(
-        u"Restoring\u2026"_s,
-        [backup = QUrl::fromLocalFile(*path), database = store()->url(),
-         stop = m_closing.get_token()] { return QSBackup::stage(backup, database, {}, stop); },
-        [this, path](const AsyncTask::Outcome<QSBackup::Staged> &staged) {
+        u"Restoring\u2026"_s, stop,
+        [backup = QUrl::fromLocalFile(path), database = store()->url(),
+         stop](const AsyncTask::Progress &progress) {
+            return QSBackup::stage(backup, database, progress, stop.get_token());
+        },
+        [this, path, stop](const AsyncTask::Outcome<QSBackup::Staged> &staged) {
+            if (stop.stop_requested()) {
+                return;
+            }
             if (staged.error) {
                 setMessage(staged.error->description());
                 return;
@@ -72,22 +90,19 @@ void AppModel::restore()
                 // What is open belongs to what is replaced.
                 if (closeEverything() &&
                     withStore([&](QSStore &open) { QSBackup::restore(staged, open); })) {
-                    setMessage(u"Restored from "_s + QFileInfo(*path).fileName());
+                    setMessage(u"Restored from "_s + QFileInfo(path).fileName());
                 }
             });
         });
 }
 
-std::optional<QString> AppModel::chooseBackup()
+bool AppModel::askToRestore()
 {
     const QScopedValueRollback asking(m_asking, true);
-    std::optional<QString> path = m_desktop.chooseOpenPath(u"Backups"_s, QSBackup::fileExtension);
-    const bool agreed =
-        path &&
-        m_desktop.ask({u"Replace your documents, profile and filled PDFs with this backup?"_s,
-                       u"What is in the app now is replaced by the backup. Making a backup of the "
-                       "current data first keeps a copy."_s,
-                       {u"Restore"_s, u"Cancel"_s},
-                       1}) == 0;
-    return agreed ? path : std::nullopt;
+    return m_desktop.ask(
+               {u"Replace your documents, profile and filled PDFs with this backup?"_s,
+                u"What is in the app now is replaced by the backup. Making a backup of the "
+                "current data first keeps a copy."_s,
+                {u"Restore"_s, u"Cancel"_s},
+                1}) == 0;
 }

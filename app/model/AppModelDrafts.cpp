@@ -39,8 +39,8 @@ void AppModel::startDrafts()
     }
     using Document = std::shared_ptr<QSPDFDocument>;
     runBusy<Document>(
-        u"Opening \"%1\"\u2026"_s.arg(form->title),
-        [values = form->values] { return openDraft(values); },
+        u"Opening \"%1\"\u2026"_s.arg(form->title), std::stop_source(std::nostopstate),
+        [values = form->values](const AsyncTask::Progress &) { return openDraft(values); },
         [this, draft = *form](const AsyncTask::Outcome<Document> &opened) {
             if (opened.result) {
                 reopenForm(draft, *opened.result);

@@ -89,10 +89,10 @@ void AppModel::open(const QSEntry &entry)
     if (!closeForm()) {
         return;
     }
-    const std::stop_token stop = startOpening();
+    const std::stop_source stop = startOpening();
     runBusy<Fetched>(
-        u"Getting %1 from the official site\u2026"_s.arg(entry.displayTitle()),
-        [entry, stop] { return fetchForm(entry, stop); },
+        u"Getting %1 from the official site\u2026"_s.arg(entry.displayTitle()), stop,
+        [entry, stop](const AsyncTask::Progress &) { return fetchForm(entry, stop.get_token()); },
         [this, entry, stop](const AsyncTask::Outcome<Fetched> &form) {
             if (stop.stop_requested()) {
                 return;
@@ -110,11 +110,11 @@ void AppModel::open(const QSEntry &entry)
         });
 }
 
-std::stop_token AppModel::startOpening()
+std::stop_source AppModel::startOpening()
 {
     m_opening.request_stop();
     m_opening = std::stop_source();
-    return m_opening.get_token();
+    return m_opening;
 }
 
 void AppModel::openCopy(const QSEntry &entry, const QSCache::Result &copy,
@@ -137,12 +137,17 @@ void AppModel::openCopy(const QSEntry &entry, const QSCache::Result &copy,
 
 void AppModel::recheck(const QSEntry &entry)
 {
+    const std::stop_source stop;
     runBusy<QString>(
-        u"Checking the official site for a newer version\u2026"_s,
-        [entry, stop = m_closing.get_token()] {
-            return QSCache::obtain(entry, true, QDateTime::currentDateTimeUtc(), stop).message;
+        u"Checking the official site for a newer version\u2026"_s, stop,
+        [entry, stop](const AsyncTask::Progress &) {
+            const QDateTime now = QDateTime::currentDateTimeUtc();
+            return QSCache::obtain(entry, true, now, stop.get_token()).message;
         },
-        [this](const AsyncTask::Outcome<QString> &checked) {
+        [this, stop](const AsyncTask::Outcome<QString> &checked) {
+            if (stop.stop_requested()) {
+                return;
+            }
             setMessage(checked.result ? *checked.result : checked.error->description());
             copiesChanged();
         });
@@ -205,7 +210,7 @@ void AppModel::checkAllLinks()
     }
     m_check = std::stop_source();
     const auto links = QSLinkChecker::bulkLinks(QSDirectory::shared());
-    m_checking = Checking{0, static_cast<int>(links.size())};
+    m_checking = Progress{0, static_cast<int>(links.size())};
     Q_EMIT checkingChanged();
     AsyncTask::run<Checks>(
         this,
@@ -223,7 +228,7 @@ void AppModel::checkAllLinks()
             Q_EMIT checkingChanged();
         },
         [this](int done, int total) {
-            m_checking = Checking{done, total};
+            m_checking = Progress{done, total};
             Q_EMIT checkingChanged();
         });
 }
@@ -296,8 +301,10 @@ void AppModel::loadFilledPDF(
 {
     using Document = std::shared_ptr<QSPDFDocument>;
     runBusy<Document>(
-        u"Opening \"%1\"\u2026"_s.arg(record.title),
-        [path = filledPath(record)] { return QSPDFDocument::open(QSFile::read(path)); },
+        u"Opening \"%1\"\u2026"_s.arg(record.title), std::stop_source(std::nostopstate),
+        [path = filledPath(record)](const AsyncTask::Progress &) {
+            return QSPDFDocument::open(QSFile::read(path));
+        },
         [this, loaded](const AsyncTask::Outcome<Document> &opened) {
             if (opened.error) {
                 qWarning("%s", opened.error->what());
@@ -381,7 +388,7 @@ void AppModel::exportPDF(const std::shared_ptr<QSPDFDocument> &document, const Q
 {
     exportFile(
         QSExport::safeFileName(title) + u".pdf"_s,
-        [document, how] {
+        [document, how](const std::stop_token &) {
             return how == FormExport::flattened ? QSPDF::flatten(*document) : document->bytes();
         },
         &QSError::description);

@@ -37,7 +37,9 @@ void run(QObject *context, std::function<Result(const Progress &)> work,
     if (progress) {
         QObject::connect(watcher, &QFutureWatcherBase::progressValueChanged, context,
                          [watcher, progress = std::move(progress)](int part) {
-                             progress(part, watcher->progressMaximum());
+                             if (watcher->progressMaximum() > 0) { // told by the work
+                                 progress(part, watcher->progressMaximum());
+                             }
                          });
     }
     QObject::connect(watcher, &QFutureWatcherBase::finished, context,

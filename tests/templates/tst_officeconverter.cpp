@@ -306,7 +306,7 @@ void TestOfficeConverter::cancelAllEndsConversions()
 
     OfficeConverter::cancelAll();
     QVERIFY(first->wait(10'000) && second->wait(10'000));
-    const QString cause = QStringLiteral("The program is closing.");
+    const QString cause = QStringLiteral("The conversion was stopped.");
     QCOMPARE(running, cause);
     QCOMPARE(waiting, cause);
     QVERIFY(!isRunning(keptText(QStringLiteral("parent"))));
