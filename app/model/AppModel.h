@@ -301,7 +301,7 @@ private:
     std::optional<Progress> m_checking;
     std::optional<QMap<QString, QSLinkCheck>> m_linkChecks; ///< by URL; absent when out of date
     Progress m_busyProgress;
-    int m_busyWork = 0;         ///< number of the work whose text is shown
+    int m_busyWork = 0;                   ///< number of the work whose text is shown
     QHash<int, std::stop_source> m_works; ///< all that run, by number
     std::stop_source m_opening; ///< ends what was last asked to be shown in the form window
     std::stop_source m_check;   ///< ends the check of links that runs

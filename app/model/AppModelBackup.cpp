@@ -42,8 +42,7 @@ void AppModel::backupNow()
         [contents, url = QUrl::fromLocalFile(*path), stop](const AsyncTask::Progress &progress) {
             return QSBackup::write(contents, url, progress, stop.get_token());
         },
-        [this, stop,
-         name = QFileInfo(*path).fileName()](const AsyncTask::Outcome<int> &leftOut) {
+        [this, stop, name = QFileInfo(*path).fileName()](const AsyncTask::Outcome<int> &leftOut) {
             if (leftOut.error) {
                 if (stop.stop_requested()) {
                     return;

@@ -29,6 +29,7 @@ protected:
         m_desktop = std::make_unique<FakeDesktop>();
         m_model = std::make_unique<AppModel>(*m_desktop);
         m_window = std::make_unique<FormWindow>(*m_model);
+        m_window->resize(QSize(60, 44) * m_window->fontMetrics().height()); // room for the pages
     }
 
     void end()

@@ -5,6 +5,8 @@
 #include "PaperPreview.h"
 #include "QSTemplates.h"
 #include "VxButton.h"
+#include "VxFlow.h"
+#include "VxMemory.h"
 #include "VxText.h"
 #include "screens/ExportMenu.h"
 
@@ -46,7 +48,8 @@ DocumentEditor::DocumentEditor(AppModel &model, QWidget *parent)
     split->addWidget(m_preview);
     split->setChildrenCollapsible(false);
     split->setSizes({2000, 3000}); // shares of whatever room there is
-    m_fields->setMinimumWidth(fontMetrics().height() * 14);
+    m_fields->setMinimumWidth(fontMetrics().height() * 12);
+    VxMemory::keepSplitter(split, u"qs.editor.splitter"_s);
 
     auto *column = new QVBoxLayout(this);
     column->setContentsMargins({});
@@ -68,14 +71,18 @@ QWidget *DocumentEditor::createCommands()
     names->addWidget(m_state);
     m_state->setWordWrap(false);
 
-    auto *buttons = new QHBoxLayout;
-    const auto add = [bar, buttons](const QString &text, const QString &symbol) {
-        QPushButton *button = VxButton::make(text, symbol, bar);
-        buttons->addWidget(button);
-        return button;
+    auto *buttons = new VxFlow;
+    buttons->setSpacing(fontMetrics().height() / 2);
+    auto *column = new QVBoxLayout(bar);
+    column->setContentsMargins({});
+    column->addLayout(buttons);
+    column->addLayout(names);
+    column->addWidget(m_stillEmpty);
+    column->addWidget(m_unprintable);
+    const auto add = [buttons](const QString &text, const QString &symbol) {
+        return VxButton::add(buttons, text, symbol);
     };
     QPushButton *fill = add(u"Fill from profile"_s, u"person.crop.circle.fill"_s);
-    buttons->addStretch();
     QPushButton *save = add(u"Save"_s, u"tray.and.arrow.down.fill"_s);
     QPushButton *formats = add(u"Export"_s, u"square.and.arrow.up"_s);
     QPushButton *print = add(u"Print\u2026"_s, u"printer.fill"_s);
@@ -87,13 +94,6 @@ QWidget *DocumentEditor::createCommands()
     connect(print, &QPushButton::clicked, &m_model, &AppModel::printEdited);
     ExportMenu::attach(formats, this,
                        [this](QSExport::Format format) { m_model.exportEdited(format); });
-
-    auto *column = new QVBoxLayout(bar);
-    column->setContentsMargins({});
-    column->addLayout(buttons);
-    column->addLayout(names);
-    column->addWidget(m_stillEmpty);
-    column->addWidget(m_unprintable);
     return bar;
 }
 

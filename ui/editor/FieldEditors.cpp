@@ -40,6 +40,15 @@ public:
         fit();
     }
 
+protected:
+    void changeEvent(QEvent *event) override
+    {
+        QPlainTextEdit::changeEvent(event);
+        if (event->type() == QEvent::FontChange) {
+            fit();
+        }
+    }
+
 private:
     void fit()
     {

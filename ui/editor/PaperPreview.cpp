@@ -26,7 +26,7 @@ PaperPreview::PaperPreview(QWidget *parent) : QAbstractScrollArea(parent)
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
     setAccessibleName(u"Preview of the printed document"_s);
-    setMinimumWidth(fontMetrics().height() * 14);
+    setMinimumWidth(fontMetrics().height() * 12);
 }
 
 void PaperPreview::open(const QSRendered &rendered)

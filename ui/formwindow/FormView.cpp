@@ -2,6 +2,7 @@
 
 #include "PageSheet.h"
 #include "QSPDFDocument.h"
+#include "VxScale.h"
 
 #include <QGuiApplication>
 #include <QInputMethod>
@@ -74,6 +75,7 @@ FormView::FormView(PageRenderer &renderer, QWidget *parent)
     setAlignment(Qt::AlignHCenter | Qt::AlignTop);
     setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn); // so that a fitted width stays fitted
     m_desk->setProperty("clear", true);
+    m_desk->setProperty(VxScale::ownScale, true); // pages have their own zoom
     m_desk->setStyleSheet(fieldStyle.toString());
     m_settle.setSingleShot(true);
     m_settle.setInterval(settleTime);
@@ -154,6 +156,16 @@ void FormView::applyFit()
     const double most = m_fit == Fit::width ? zoomSteps.back() : widestAtFirst;
     const double fitting = room / (widest * logicalDpiX() / 72);
     zoomTo(qBound(zoomSteps.front(), fitting, most), {viewport()->width() / 2, 0});
+}
+
+void FormView::changeEvent(QEvent *event)
+{
+    QScrollArea::changeEvent(event);
+    if (event->type() == QEvent::FontChange) { // the gaps go by it
+        layOut();
+        applyFit();
+        pagesMoved();
+    }
 }
 
 void FormView::fitWidth()

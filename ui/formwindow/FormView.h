@@ -65,6 +65,7 @@ Q_SIGNALS:
 
 protected:
     bool focusNextPrevChild(bool next) override;
+    void changeEvent(QEvent *event) override;
     void focusInEvent(QFocusEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;

@@ -9,8 +9,11 @@
 #include "PageRenderer.h"
 #include "QSPDF.h"
 #include "VxButton.h"
+#include "VxFlow.h"
+#include "VxMemory.h"
 #include "VxMessageBar.h"
 #include "VxText.h"
+#include "VxZoomHost.h"
 #include "screens/ExportMenu.h"
 
 #include <QAction>
@@ -70,15 +73,18 @@ void FormWindow::createWindow()
     column->addWidget(split, 1);
     column->addWidget(m_message);
     column->addWidget(createFooter());
-    setCentralWidget(centre);
+    setCentralWidget(new VxZoomHost(centre, {34, 24}, this));
     resize(QSize(em * 64, em * 50).boundedTo(screen()->availableGeometry().size() * 9 / 10));
+    VxMemory::keepSplitter(split, u"qs.form.splitter"_s);
+    VxMemory::keepGeometry(this, u"qs.form.geometry"_s);
 }
 
 QWidget *FormWindow::createCommandRow()
 {
     auto *bar = new QWidget(this);
-    auto *row = new QHBoxLayout(bar);
+    auto *row = new VxFlow(bar);
     row->setContentsMargins({});
+    row->setSpacing(fontMetrics().height() / 2);
     const auto add = [row](const QString &text, const QString &symbol) {
         return VxButton::add(row, text, symbol);
     };
@@ -86,19 +92,8 @@ QWidget *FormWindow::createCommandRow()
     QPushButton *formats = add(u"Export"_s, u"square.and.arrow.up"_s);
     QPushButton *print = add(u"Print\u2026"_s, u"printer.fill"_s);
     m_officialPage = add(u"Official page"_s, u"safari.fill"_s);
-    row->addStretch();
-    addTool(row, m_commands->undo());
-    addTool(row, m_commands->redo());
-    addTool(row, m_commands->showPages());
-    addTool(row, m_commands->zoomOut());
-    m_zoom = new QLabel(bar);
-    m_zoom->setAlignment(Qt::AlignCenter);
-    m_zoom->setMinimumWidth(fontMetrics().horizontalAdvance(u"400 %"_s));
-    row->addWidget(m_zoom);
-    addTool(row, m_commands->zoomIn());
-    addTool(row, m_commands->fitWidth());
-    row->addStretch();
     QPushButton *close = add(u"Close"_s, u"xmark"_s);
+    row->addWidget(createTools());
 
     ExportMenu::attachForForm(formats, &m_model,
                               [this](AppModel::FormExport how) { m_model.exportForm(how); });
@@ -113,11 +108,31 @@ QWidget *FormWindow::createCommandRow()
     return bar;
 }
 
+QWidget *FormWindow::createTools()
+{
+    auto *bar = new QWidget(this);
+    auto *row = new QHBoxLayout(bar);
+    row->setContentsMargins({});
+    for (QAction *each :
+         {m_commands->undo(), m_commands->redo(), m_commands->showPages(), m_commands->zoomOut()}) {
+        addTool(row, each);
+    }
+    m_zoom = new QLabel(bar);
+    m_zoom->setAlignment(Qt::AlignCenter);
+    m_zoom->setMinimumWidth(fontMetrics().horizontalAdvance(u"400 %"_s));
+    row->addWidget(m_zoom);
+    addTool(row, m_commands->zoomIn());
+    addTool(row, m_commands->fitWidth());
+    return bar;
+}
+
 void FormWindow::addTool(QBoxLayout *row, QAction *action)
 {
     auto *button = new QToolButton(row->parentWidget());
     button->setDefaultAction(action);
     button->setAutoRaise(true);
+    const int em = fontMetrics().height();
+    button->setIconSize({em, em});
     button->setFocusPolicy(Qt::TabFocus);
     button->setAccessibleName(action->iconText());
     row->addWidget(button);
@@ -154,6 +169,7 @@ void FormWindow::connectModel()
     connect(&m_model, &AppModel::busyChanged, this, &FormWindow::showWork);
     connect(m_message, &VxMessageBar::dismissed, &m_model,
             [this] { m_model.setMessage(std::nullopt); });
+    connect(m_message, &VxMessageBar::stopWanted, &m_model, &AppModel::stopBusy);
 }
 
 void FormWindow::connectView()
@@ -216,7 +232,10 @@ void FormWindow::showMessage()
 
 void FormWindow::showWork()
 {
-    m_message->displayWork({.text = m_model.busy().value_or(QString())});
+    m_message->displayWork({.text = m_model.busy().value_or(QString()),
+                            .done = m_model.busyProgress().done,
+                            .total = m_model.busyProgress().total,
+                            .stoppable = m_model.canStopBusy()});
 }
 
 void FormWindow::bringForward()

@@ -35,6 +35,7 @@ protected:
 private:
     void createWindow();
     [[nodiscard]] QWidget *createCommandRow();
+    [[nodiscard]] QWidget *createTools();
     [[nodiscard]] QWidget *createFooter();
     void addTool(QBoxLayout *row, QAction *action);
     void connectModel();

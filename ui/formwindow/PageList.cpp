@@ -22,6 +22,12 @@ PageList::PageList(PageRenderer &renderer, QWidget *parent)
     const int em = fontMetrics().height();
     setIconSize({em * 5, em * 6});
     setMinimumWidth(em * 8);
+    connect(this, &QListWidget::iconSizeChanged, this, [this] {
+        for (int page = 0; page < count(); ++page) {
+            outdate(page);
+        }
+        m_renderer.wake();
+    });
     connect(this, &QListWidget::currentRowChanged, this, [this](int page) {
         markCurrent();
         if (page >= 0) {

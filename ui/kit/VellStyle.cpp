@@ -3,18 +3,22 @@
 #include "VellTheme.h"
 
 #include <QApplication>
+#include <QFont>
 #include <QStyle>
 #include <QStyleFactory>
 
 using namespace Qt::Literals::StringLiterals;
 
 namespace {
-// Names in capitals stand for the theme's colours.
+// Names in capitals stand for the theme's colours and for sizes of text. A length of 1em is a line
+// of the application's font.
 constexpr QStringView sheet = uR"(
 QMainWindow, QDialog { background: BG; }
 QToolTip { background: PANELBOTTOM; color: TEXT; border: 1px solid DIM; padding: 0.2em; }
 
 QLabel { background: transparent; }
+QLabel[role="title"] { font-size: TITLESIZE; font-weight: 600; }
+QLabel[role="heading"] { font-size: HEADINGSIZE; font-weight: 600; }
 QLabel[role="note"] { color: DIM; }
 
 VxPanel, QFrame[panel="true"] {
@@ -61,7 +65,7 @@ QHeaderView::section { background: transparent; color: DIM; border: none;
 QListView#sidebar { background: transparent; border: none; border-radius: 0; }
 QListView#sidebar:focus { border: none; }
 QListView#sidebar::item { border: 2px solid transparent; border-left: 0.3em solid transparent;
-  border-radius: 0.5em; padding: 0 0.5em; }
+  border-radius: 0.5em; padding: 0.5em; }
 QListView#sidebar::item:selected { background: SELECTED; color: TEXT;
   border-left: 0.3em solid ACCENT; }
 QListView#sidebar::item:selected:focus { border: 2px solid ACCENT; border-left: 0.3em solid ACCENT; }
@@ -143,7 +147,7 @@ QPalette palette(const VellTheme &theme)
     return palette;
 }
 
-QString styleSheet(const VellTheme &theme)
+QString styleSheet(const VellTheme &theme, const QFont &font)
 {
     const std::pair<QStringView, QColor> colours[] = {
         {u"ONACCENT", theme.readableOn(theme.accent).color()},
@@ -164,6 +168,11 @@ QString styleSheet(const VellTheme &theme)
     for (const auto &[name, colour] : colours) {
         text.replace(name.toString(), css(colour));
     }
+    const auto points = [&font](double factor) {
+        return u"%1pt"_s.arg(font.pointSizeF() * factor);
+    };
+    text.replace(u"TITLESIZE"_s, points(1.6));
+    text.replace(u"HEADINGSIZE"_s, points(1.15));
     return text;
 }
 
@@ -173,6 +182,6 @@ void apply(QApplication &application, const VellTheme &theme)
         QApplication::setStyle(QStyleFactory::create(u"Fusion"_s));
     }
     QApplication::setPalette(palette(theme));
-    application.setStyleSheet(styleSheet(theme));
+    application.setStyleSheet(styleSheet(theme, QApplication::font()));
 }
 } // namespace VellStyle

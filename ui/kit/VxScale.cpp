@@ -106,12 +106,6 @@ void scaleSizes(QWidget *widget, Scaler &scaler)
 void scaleWidget(QWidget *widget, double ratio)
 {
     Scaler scaler(widget, ratio);
-    if (widget->testAttribute(Qt::WA_SetFont) &&
-        (widget->font().resolveMask() & QFont::SizeResolved)) {
-        QFont font = widget->font();
-        font.setPointSizeF(scaler.scaled(u"font"_s, font.pointSizeF()));
-        widget->setFont(font);
-    }
     scaleSizes(widget, scaler);
     scaleIcons(widget, scaler);
     if (auto *header = qobject_cast<QHeaderView *>(widget);
@@ -137,8 +131,7 @@ void scale(QWidget *widget, double ratio)
         return;
     }
     scaleWidget(widget, ratio);
-    for (QWidget *child :
-         widget->findChildren<QWidget *>(QString(), Qt::FindDirectChildrenOnly)) {
+    for (QWidget *child : widget->findChildren<QWidget *>(QString(), Qt::FindDirectChildrenOnly)) {
         if (!child->isWindow()) { // each window is scaled on its own
             scale(child, ratio);
         }

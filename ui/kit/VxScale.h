@@ -9,7 +9,7 @@ namespace VxScale {
 inline constexpr const char *ownScale = "vxOwnScale";
 
 /// Multiplies the lengths that were set on a widget and on what is inside it, hidden or not:
-/// margins, spacings, smallest and largest sizes, sizes of icons and rows, and fonts of a size of
-/// their own. Going there and back leads to where it began.
+/// margins, spacings, smallest and largest sizes, sizes of icons and rows. Going there and back
+/// leads to where it began.
 void scale(QWidget *widget, double ratio);
 } // namespace VxScale

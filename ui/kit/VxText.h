@@ -5,7 +5,7 @@
 class QLabel;
 class QWidget;
 
-/// Labels in the program's few kinds of text. Sizes follow the application's font.
+/// Labels in the program's few kinds of text, which the style sheet sets.
 namespace VxText {
 enum class Role {
     title,   ///< of a screen

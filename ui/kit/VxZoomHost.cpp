@@ -2,17 +2,19 @@
 
 #include "VellThemeRoot.h"
 
+#include <QEvent>
 #include <QScreen>
 
 using namespace Qt::Literals::StringLiterals;
 
-VxZoomHost::VxZoomHost(QWidget *content, QSize smallest, QWidget *parent) : QScrollArea(parent)
+VxZoomHost::VxZoomHost(QWidget *content, QSize lines, QWidget *parent)
+    : QScrollArea(parent), m_lines(lines)
 {
     setObjectName(u"host"_s);
     setFrameShape(NoFrame);
     setFocusPolicy(Qt::NoFocus);
     setWidgetResizable(true);
-    content->setMinimumSize(smallest);
+    content->installEventFilter(this);
     m_origin = new QWidget(content);
     m_origin->setObjectName(u"vell-zoom-origin"_s);
     m_origin->setGeometry(0, 0, 1, 1);
@@ -21,7 +23,7 @@ VxZoomHost::VxZoomHost(QWidget *content, QSize smallest, QWidget *parent) : QScr
     setWidget(content);
     if (VellThemeRoot *root = VellThemeRoot::instance()) {
         connect(root, &VellThemeRoot::changed, this, [this] {
-            limitWindow();
+            limit();
             scrollToTop();
         });
     }
@@ -32,14 +34,26 @@ void VxZoomHost::scrollToTop()
     ensureWidgetVisible(m_origin, 0, 0);
 }
 
+bool VxZoomHost::eventFilter(QObject *watched, QEvent *event)
+{
+    if (watched == widget() && event->type() == QEvent::LayoutRequest) {
+        limit();
+    }
+    return QScrollArea::eventFilter(watched, event);
+}
+
 void VxZoomHost::showEvent(QShowEvent *event)
 {
-    limitWindow(); // by the screen that it is on now
+    limit(); // by the screen that it is on now
     QScrollArea::showEvent(event);
 }
 
-void VxZoomHost::limitWindow()
+void VxZoomHost::limit()
 {
-    const QSize room = screen()->availableGeometry().size() * 9 / 10; // around it the window's frame
-    setMinimumSize(widget()->minimumSize().boundedTo(room));
+    const QSize smallest =
+        (m_lines * fontMetrics().height()).expandedTo(widget()->minimumSizeHint());
+    widget()->setMinimumSize(smallest);
+    const QSize room =
+        screen()->availableGeometry().size() * 9 / 10; // around it the window's frame
+    setMinimumSize(smallest.boundedTo(room));
 }

@@ -10,18 +10,21 @@ class VxZoomHost final : public QScrollArea
     Q_OBJECT
 
 public:
-    /// The smallest size is in pixels at the zoom that is shown now.
-    VxZoomHost(QWidget *content, QSize smallest, QWidget *parent);
+    /// The content's smallest size in lines of the application's font, each way; the host goes by
+    /// the content's layout where that needs more.
+    VxZoomHost(QWidget *content, QSize lines, QWidget *parent);
 
     /// Shows the content's upper left corner, where its anchor "vell-zoom-origin" is.
     void scrollToTop();
 
 protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
     void showEvent(QShowEvent *event) override;
 
 private:
     /// The content's smallest size holds for the window too, where the screen has room for it.
-    void limitWindow();
+    void limit();
 
+    QSize m_lines;
     QWidget *m_origin;
 };

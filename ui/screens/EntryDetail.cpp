@@ -90,7 +90,7 @@ EntryDetail::EntryDetail(AppModel &model, QWidget *parent)
     setWidget(panel);
     setWidgetResizable(true);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    setMinimumWidth(fontMetrics().height() * 18);
+    setMinimumWidth(fontMetrics().height() * 14);
     setAccessibleName(u"The selected form"_s);
     connectActions();
     display(nullptr);

@@ -127,7 +127,7 @@ EntryList::EntryList(QWidget *parent) : QListView(parent)
     setItemDelegate(new EntryDelegate(this));
     setVerticalScrollMode(ScrollPerPixel);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    setMinimumWidth(fontMetrics().height() * 14);
+    setMinimumWidth(fontMetrics().height() * 11);
 }
 
 void EntryList::resizeEvent(QResizeEvent *event)

@@ -1,0 +1,49 @@
+#include "VxMemory.h"
+
+#include "QSPrefs.h"
+
+#include <QEvent>
+#include <QSettings>
+#include <QSplitter>
+#include <QWidget>
+
+namespace {
+class GeometryKeeper final : public QObject
+{
+public:
+    GeometryKeeper(QWidget *window, const QString &key)
+        : QObject(window), m_window(*window), m_key(key)
+    {
+        window->installEventFilter(this);
+    }
+
+    bool eventFilter(QObject *watched, QEvent *event) override
+    {
+        // closing hides, and so does the end of the session
+        if (watched == &m_window && event->type() == QEvent::Hide && !event->spontaneous()) {
+            QSPrefs::settings()->setValue(m_key, m_window.saveGeometry());
+        }
+        return false;
+    }
+
+private:
+    QWidget &m_window;
+    QString m_key;
+};
+} // namespace
+
+namespace VxMemory {
+void keepGeometry(QWidget *window, const QString &key)
+{
+    window->restoreGeometry(QSPrefs::settings()->value(key).toByteArray());
+    new GeometryKeeper(window, key);
+}
+
+void keepSplitter(QSplitter *splitter, const QString &key)
+{
+    splitter->restoreState(QSPrefs::settings()->value(key).toByteArray());
+    QObject::connect(splitter, &QSplitter::splitterMoved, splitter, [splitter, key] {
+        QSPrefs::settings()->setValue(key, splitter->saveState());
+    });
+}
+} // namespace VxMemory
