@@ -139,6 +139,8 @@ public:
     /// The official page about a form, or the form itself where the directory has no page, in the
     /// browser.
     void openOfficialPage(const QSEntry &entry);
+    /// Opens an official page in the browser; the message names the page when there is no browser.
+    void openLink(const QString &url);
     [[nodiscard]] QSStatus::S linkStatus(const QSEntry &entry);
     /// Asks every official link that may be asked automatically. Does nothing while a check runs.
     void checkAllLinks();
@@ -230,7 +232,6 @@ private:
 
     Answer askToSave(const QString &name);
     [[nodiscard]] bool askToDelete(const QString &name);
-    void browse(const QString &page);
     /// Runs an action on the store; its error becomes the message. False when it failed.
     template <typename Action>
     bool withStore(Action action);

@@ -78,7 +78,7 @@ void AppModel::showEntry(const QString &id)
 void AppModel::open(const QSEntry &entry)
 {
     if (entry.opensInBrowser()) {
-        browse(entry.url);
+        openLink(entry.url);
         return;
     }
     if (m_openPDF && !m_openPDF->form().saved && m_openPDF->form().entry &&
@@ -172,13 +172,13 @@ void AppModel::showSavedCopy(const QSEntry &entry)
 
 void AppModel::openOfficialPage(const QSEntry &entry)
 {
-    browse(entry.info.isEmpty() ? entry.url : entry.info);
+    openLink(entry.info.isEmpty() ? entry.url : entry.info);
 }
 
-void AppModel::browse(const QString &page)
+void AppModel::openLink(const QString &url)
 {
-    if (!m_desktop.openInBrowser(QUrl(page))) {
-        setMessage(u"The web browser could not be opened. The page is %1"_s.arg(page));
+    if (!m_desktop.openInBrowser(QUrl(url))) {
+        setMessage(u"The web browser could not be opened. The page is %1"_s.arg(url));
     }
 }
 

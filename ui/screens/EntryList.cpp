@@ -52,6 +52,9 @@ QList<Part> parts(const QModelIndex &index, const QFont &font, QRect row)
     add(index.data(FormsModel::aboutRole).toString(), font, {}, true);
     const bool fine = index.data(FormsModel::levelRole).toInt() == 0;
     const QString status = index.data(FormsModel::statusRole).toString();
+    if (status.isEmpty()) {
+        return found;
+    }
     const int room = found.constLast().rect.width();
     add(fine ? metrics.elidedText(status, Qt::ElideRight, room) : status, font,
         index.data(FormsModel::statusIconRole).value<QIcon>(), fine);

@@ -2,9 +2,9 @@
 
 #include <QListView>
 
-/// A list of a FormsModel's rows: an entry's title, agency and kind, and the status of its link,
-/// wrapped to the list's width; headings in bold. A status that needs attention is never cut and
-/// stands out by its icon and by brighter text.
+/// A list of rows in the roles of a FormsModel: a title, what it is about and the status of its
+/// link (where it has one), wrapped to the list's width; headings in bold. A status that needs
+/// attention is never cut and stands out by its icon and by brighter text.
 class EntryList final : public QListView
 {
     Q_OBJECT
