@@ -27,25 +27,27 @@ VxPanel, QFrame[panel="true"] {
 
 QPushButton, QToolButton[button="true"] {
   background: qlineargradient(x1:0, y1:0, x2:0, y2:1, stop:0 PANELTOP, stop:1 PANELBOTTOM);
-  color: TEXT; border: 1px solid LINE; border-radius: 0.4em; padding: 0.4em 0.9em; }
+  color: TEXT; border: 1px solid LINE; margin: 1px; border-radius: 0.4em; padding: 0.4em 0.9em; }
 QPushButton { qproperty-autoDefault: true; } /* pressed by Enter, too, and not only in dialogs */
 QPushButton:hover, QToolButton[button="true"]:hover { border-color: TEXT; }
 QPushButton:pressed, QToolButton[button="true"]:pressed { background: PANELBOTTOM; }
 QPushButton:disabled, QToolButton[button="true"]:disabled { color: FAINT; border-color: EDGE; }
-QPushButton:focus, QToolButton[button="true"]:focus { border: 2px solid ACCENT; }
+/* the ring of the focus takes its room from the margin, so that nothing moves */
+QPushButton:focus, QToolButton[button="true"]:focus { border: 2px solid ACCENT; margin: 0; }
 QPushButton[primary="true"] { background: ACCENT; color: ONACCENT; border: 1px solid ACCENT;
   font-weight: 600; }
 QPushButton[primary="true"]:hover { border-color: TEXT; }
-QPushButton[primary="true"]:focus { border: 2px solid TEXT; }
+QPushButton[primary="true"]:focus { border: 2px solid TEXT; margin: 0; }
 QPushButton[primary="true"]:disabled { background: PANELBOTTOM; color: FAINT; border-color: EDGE; }
 QPushButton::menu-indicator { subcontrol-position: right center; right: 0.4em; }
 QPushButton[menu="true"] { padding-right: 1.6em; }
 
 QLineEdit, QPlainTextEdit, QTextEdit, QComboBox {
-  background: INSET; color: TEXT; border: 1px solid LINE; border-radius: 0.4em; padding: 0.35em;
+  background: INSET; color: TEXT; border: 1px solid LINE; margin: 1px; border-radius: 0.4em;
+  padding: 0.35em;
   selection-background-color: ACCENT; selection-color: ONACCENT; }
 QLineEdit:focus, QPlainTextEdit:focus, QTextEdit:focus, QComboBox:focus {
-  border: 2px solid ACCENT; }
+  border: 2px solid ACCENT; margin: 0; }
 QComboBox QAbstractItemView { background: PANELBOTTOM; color: TEXT; border: 1px solid LINE;
   selection-background-color: ACCENT; selection-color: ONACCENT; }
 
