@@ -115,11 +115,12 @@ void scaleWidget(QWidget *widget, double ratio)
     if (!widget->contentsMargins().isNull() && !widget->inherits("QFrame")) {
         widget->setContentsMargins(scaler.scaled(u"margins"_s, widget->contentsMargins()));
     }
-    for (QLayout *layout : widget->findChildren<QLayout *>(QString(), Qt::FindDirectChildrenOnly)) {
-        scaleLayout(layout, ratio);
+    if (QLayout *layout = widget->layout()) {
+        // a layout without a spacing of its own has that of the one around it: the inner one first
         for (QLayout *inner : layout->findChildren<QLayout *>()) {
             scaleLayout(inner, ratio);
         }
+        scaleLayout(layout, ratio);
     }
 }
 } // namespace
