@@ -63,16 +63,6 @@ QList<QSTemplate> templates(const QStringList &ids)
     }
     return found;
 }
-
-QList<QSLegalAid> furtherAid(const QSJurisdiction &federal, const QList<QSLegalAid> &known)
-{
-    QList<QSLegalAid> found;
-    std::ranges::copy_if(
-        federal.legalAid, std::back_inserter(found), [&known](const QSLegalAid &aid) {
-            return std::ranges::find(known, aid.url, &QSLegalAid::url) == known.end();
-        });
-    return found;
-}
 } // namespace
 
 namespace QSFinder {
@@ -80,6 +70,19 @@ const QSTask *task(QStringView id)
 {
     const auto match = std::ranges::find(tasks, id, &QSTask::id);
     return match == tasks.end() ? nullptr : &*match;
+}
+
+QList<QSLegalAid> legalAid(QStringView state, const QSDirectory &dir)
+{
+    const QSJurisdiction *place = dir.jurisdiction(state);
+    const QSJurisdiction *country = dir.federal();
+    const QList<QSLegalAid> known = place ? place->legalAid : QList<QSLegalAid>();
+    const QList<QSLegalAid> further = country ? country->legalAid : QList<QSLegalAid>();
+    QList<QSLegalAid> found = known;
+    std::ranges::copy_if(further, std::back_inserter(found), [&known](const QSLegalAid &aid) {
+        return std::ranges::find(known, aid.url, &QSLegalAid::url) == known.end();
+    });
+    return found;
 }
 
 std::optional<QSFinderResult> result(const QSTask &task, QStringView state, const QSDirectory &dir)
@@ -100,11 +103,10 @@ std::optional<QSFinderResult> result(const QSTask &task, QStringView state, cons
     found.feePages = feePages(*place, ofState, ofCountry);
     found.templates = templates(task.templates);
     found.selfHelp = place->selfHelp;
-    found.legalAid = place->legalAid;
+    found.legalAid = legalAid(state, dir);
     if (const QSJurisdiction *country = dir.federal()) {
         found.federalForms = entries(dir, country->code, ofCountry);
         found.offices.append(offices(*country, ofCountry));
-        found.legalAid.append(furtherAid(*country, place->legalAid));
     }
     if (task.id == "poa"_L1) {
         found.poa = place->poa;

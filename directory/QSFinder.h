@@ -50,7 +50,7 @@ struct QSFinderResult
     QList<Office> offices;       ///< the state's, then the federal ones
     QList<FeePage> feePages;     ///< business, court, USCIS, IRS; only those that apply
     QString selfHelp;            ///< address of the state's self-help center
-    QList<QSLegalAid> legalAid;  ///< the state's, then federal ones whose address is not among them
+    QList<QSLegalAid> legalAid;  ///< as QSFinder::legalAid() lists it
     std::optional<QSPOA> poa;    ///< the state's law, for the power-of-attorney task alone
 
     bool operator==(const QSFinderResult &) const = default;
@@ -62,6 +62,10 @@ namespace QSFinder {
 extern const QList<QSTask> tasks;
 /// Null when there is no task of that id.
 [[nodiscard]] const QSTask *task(QStringView id);
+/// The state's legal aid, then the federal one whose addresses are not among it; the latter alone
+/// for an unknown code.
+[[nodiscard]] QList<QSLegalAid> legalAid(QStringView state,
+                                         const QSDirectory &dir = QSDirectory::shared());
 /// Everything that the directory and the catalogue have for the task. Absent when the directory
 /// has no jurisdiction of that code; what is missing otherwise (the federal jurisdiction, entries,
 /// an office, a fee page, a template) is left out.

@@ -369,13 +369,21 @@ qint64 cacheSize()
     return size;
 }
 
-void clear()
+int copyCount()
+{
+    return static_cast<int>(
+        QSInfo::cacheFolder().entryList({u"*.pdf"_s, u"*.docx"_s}, QDir::Files).size());
+}
+
+int clear()
 {
     const std::scoped_lock lock(folderMutex);
+    const int before = copyCount();
     const QDir folder = QSInfo::cacheFolder();
     const QStringList names = folder.entryList(QDir::Files | QDir::Hidden);
     for (const QString &name : names) {
         QFile::remove(folder.filePath(name));
     }
+    return before - copyCount();
 }
 } // namespace QSCache

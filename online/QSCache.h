@@ -70,6 +70,8 @@ void saveMeta(const QSCacheMeta &meta);
 
 /// Bytes of all files in the folder; 0 when it can't be listed.
 [[nodiscard]] qint64 cacheSize();
-/// Deletes every file in the folder; what can't be deleted stays.
-void clear();
+/// How many forms are in the folder.
+[[nodiscard]] int copyCount();
+/// Deletes every file in the folder; what can't be deleted stays. Returns how many forms went.
+int clear();
 } // namespace QSCache

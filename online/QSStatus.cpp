@@ -15,14 +15,26 @@ struct Listing
     explicit Listing(const QSEntry &entry, const QDateTime &now)
     {
         const QString written = entry.checked.value_or(QSDirectory::shared().checked);
-        const std::optional<QDate> date = QSDate::parseISO(written);
+        date = QSDate::parseISO(written).value_or(QDate());
         text = QSDate::longText(written);
-        isStale = !date || date->daysTo(now.toLocalTime().date()) > QSInfo::staleAfterDays;
+        isStale = !date.isValid() || date.daysTo(now.toLocalTime().date()) > QSInfo::staleAfterDays;
     }
 
+    QDate date;
     QString text;
     bool isStale;
 };
+
+/// Whether a stored check says more than the listing: a problem does, an old success does not.
+bool counts(const std::optional<QSLinkCheck> &check, const QDateTime &now)
+{
+    return check && (!check->ok || QSDate::days(check->checked, now) <= QSInfo::staleAfterDays);
+}
+
+QDate dayOf(const QSLinkCheck &check)
+{
+    return check.checked.toLocalTime().date();
+}
 } // namespace
 
 QSStatus::S QSStatus::link(const QSEntry &entry, const std::optional<QSLinkCheck> &lastCheck,
@@ -43,8 +55,8 @@ QSStatus::S QSStatus::link(const QSEntry &entry, const std::optional<QSLinkCheck
                 "automated checks; opening the form checks it."_s.arg(listing.text, limit),
                 staleSymbol};
     }
-    if (lastCheck) {
-        const QString day = QSDate::longFormat(lastCheck->checked.toLocalTime().date());
+    if (counts(lastCheck, now)) {
+        const QString day = QSDate::longFormat(dayOf(*lastCheck));
         if (!lastCheck->ok) {
             const QString answer =
                 lastCheck->status == 0 ? u"none"_s : QString::number(lastCheck->status);
@@ -53,9 +65,7 @@ QSStatus::S QSStatus::link(const QSEntry &entry, const std::optional<QSLinkCheck
                                                                                             answer),
                     u"exclamationmark.triangle.fill"_s};
         }
-        if (QSDate::days(lastCheck->checked, now) <= QSInfo::staleAfterDays) {
-            return {0, u"Link checked online %1"_s.arg(day), u"checkmark.seal.fill"_s};
-        }
+        return {0, u"Link checked online %1"_s.arg(day), u"checkmark.seal.fill"_s};
     }
     if (!listing.isStale) {
         return {0, u"Checked %1"_s.arg(listing.text), u"checkmark.seal.fill"_s};
@@ -64,4 +74,16 @@ QSStatus::S QSStatus::link(const QSEntry &entry, const std::optional<QSLinkCheck
             u"Last checked %1 — more than %2 days ago. Check the links on the Forms Last Checked "
             "screen."_s.arg(listing.text, limit),
             staleSymbol};
+}
+
+QSStatus::Checked QSStatus::lastChecked(const QSEntry &entry,
+                                        const std::optional<QSLinkCheck> &lastCheck,
+                                        const QDateTime &now)
+{
+    const QDate listed = Listing(entry, now).date;
+    if (QSNet::isHandChecked(entry.url)) {
+        return {Source::byHand, listed};
+    }
+    return counts(lastCheck, now) ? Checked{Source::online, dayOf(*lastCheck)}
+                                  : Checked{Source::listed, listed};
 }

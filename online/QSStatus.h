@@ -3,6 +3,7 @@
 #include "QSEntry.h"
 #include "QSStore.h"
 
+#include <QDate>
 #include <QDateTime>
 #include <QString>
 
@@ -19,8 +20,22 @@ struct S
     bool operator==(const S &) const = default;
 };
 
+/// Where the date comes from on which an entry was last checked.
+enum class Source { listed, online, byHand };
+
+struct Checked
+{
+    Source source = Source::listed;
+    QDate date; ///< not valid where the directory has none
+
+    bool operator==(const Checked &) const = default;
+};
+
 /// lastCheck: the latest stored check of the entry's URL. The listing date is the entry's own check
 /// date, else the directory's.
 [[nodiscard]] S link(const QSEntry &entry, const std::optional<QSLinkCheck> &lastCheck,
                      const QDateTime &now);
+/// The date that link() speaks of.
+[[nodiscard]] Checked lastChecked(const QSEntry &entry, const std::optional<QSLinkCheck> &lastCheck,
+                                  const QDateTime &now);
 } // namespace QSStatus

@@ -141,7 +141,10 @@ public:
     void openOfficialPage(const QSEntry &entry);
     /// Opens an official page in the browser; the message names the page when there is no browser.
     void openLink(const QString &url);
+    /// Shows an entry on the forms screen, of its state.
+    void showEntry(const QString &id);
     [[nodiscard]] QSStatus::S linkStatus(const QSEntry &entry);
+    [[nodiscard]] QSStatus::Checked lastChecked(const QSEntry &entry);
     /// Asks every official link that may be asked automatically. Does nothing while a check runs.
     void checkAllLinks();
     /// Ends a running check; what was answered by then counts.
@@ -186,6 +189,12 @@ public:
     void restore();
     /// The same with this file, after the question.
     void restoreFrom(const QString &path);
+
+    // Settings
+    /// Removes all downloaded forms after asking; not while the program is busy.
+    void emptyCache();
+    /// Opens a folder in the file manager.
+    void showFolder(const QString &path);
 
     // Drafts
     /// Offers what the last run left unsaved, then keeps drafts of what is typed, every few
@@ -232,6 +241,7 @@ private:
 
     Answer askToSave(const QString &name);
     [[nodiscard]] bool askToDelete(const QString &name);
+    [[nodiscard]] bool askToEmptyCache();
     /// Runs an action on the store; its error becomes the message. False when it failed.
     template <typename Action>
     bool withStore(Action action);
@@ -246,8 +256,7 @@ private:
     /// Puts an action off until no question or panel stands open.
     void whenNothingIsAsked(const std::function<void()> &action);
     void dropEdited();
-    /// Shows an entry on the forms screen.
-    void showEntry(const QString &id);
+    [[nodiscard]] std::optional<QSLinkCheck> lastLinkCheck(const QSEntry &entry);
     /// What was asked for before is not to be shown any more; the token says so of this one.
     [[nodiscard]] std::stop_source startOpening();
     void openSession(const OpenPDF &form);
@@ -285,7 +294,7 @@ private:
     void openDocument(qint64 id);
 
     QSDesktop &m_desktop;
-    Screen m_screen = Screen::templates;
+    Screen m_screen = Screen::finder;
     QString m_state;
     std::optional<QString> m_finderTaskID;
     QString m_selectedTemplateID;

@@ -182,7 +182,7 @@ void AppModel::openLink(const QString &url)
     }
 }
 
-QSStatus::S AppModel::linkStatus(const QSEntry &entry)
+std::optional<QSLinkCheck> AppModel::lastLinkCheck(const QSEntry &entry)
 {
     if (!m_linkChecks) {
         m_linkChecks.emplace();
@@ -195,9 +195,17 @@ QSStatus::S AppModel::linkStatus(const QSEntry &entry)
         }
     }
     const auto check = m_linkChecks->constFind(entry.url);
-    return QSStatus::link(entry,
-                          check == m_linkChecks->constEnd() ? std::nullopt : std::optional(*check),
-                          QDateTime::currentDateTimeUtc());
+    return check == m_linkChecks->constEnd() ? std::nullopt : std::optional(*check);
+}
+
+QSStatus::S AppModel::linkStatus(const QSEntry &entry)
+{
+    return QSStatus::link(entry, lastLinkCheck(entry), QDateTime::currentDateTimeUtc());
+}
+
+QSStatus::Checked AppModel::lastChecked(const QSEntry &entry)
+{
+    return QSStatus::lastChecked(entry, lastLinkCheck(entry), QDateTime::currentDateTimeUtc());
 }
 
 // All links

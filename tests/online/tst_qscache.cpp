@@ -144,7 +144,9 @@ private Q_SLOTS:
         }
         QCOMPARE(QSCache::cacheSize(),
                  oldForm.size() + contents(QSCache::metaURL(u"co-answer"_s)).size());
-        QSCache::clear();
+        QCOMPARE(QSCache::copyCount(), 1);
+        QCOMPARE(QSCache::clear(), 1);
+        QCOMPARE(QSCache::copyCount(), 0);
         QCOMPARE(QSCache::cacheSize(), 0);
         QVERIFY(!QSCache::hasCopy(formEntry()));
     }

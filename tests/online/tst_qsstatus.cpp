@@ -1,3 +1,4 @@
+#include "QSDate.h"
 #include "QSInfo.h"
 #include "QSStatus.h"
 #include "TestFiles.h"
@@ -104,10 +105,14 @@ private Q_SLOTS:
         QSEntry entry;
         entry.url = url;
         entry.checked = listed;
-        const QSStatus::S said = QSStatus::link(entry, check, onDay(u"2027-04-01"_s, {0, 45}));
+        const QDateTime now = onDay(u"2027-04-01"_s, {0, 45});
+        const QSStatus::S said = QSStatus::link(entry, check, now);
         QCOMPARE(said.text, status.text);
         QCOMPARE(said.level, status.level);
         QCOMPARE(said.symbol, status.symbol);
+        // the date alone is the sentence's own
+        QVERIFY(
+            said.text.contains(QSDate::longFormat(QSStatus::lastChecked(entry, check, now).date)));
     }
 
 private:

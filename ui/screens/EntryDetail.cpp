@@ -8,20 +8,17 @@
 #include "VxFlow.h"
 #include "VxIconLabel.h"
 #include "VxPanel.h"
+#include "VxTallText.h"
 #include "VxText.h"
 
-#include <QAbstractTextDocumentLayout>
 #include <QGridLayout>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLocale>
 #include <QPushButton>
 #include <QScrollBar>
-#include <QTextEdit>
 #include <QToolButton>
 #include <QVBoxLayout>
-#include <QWheelEvent>
-#include <QtMath>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -54,27 +51,6 @@ std::optional<QSCacheMeta> savedCopy(const QSEntry &entry)
     return !entry.opensInBrowser() && QSCache::hasCopy(entry) ? QSCache::meta(entry.id)
                                                               : std::nullopt;
 }
-
-/// A text to read and to copy from, as tall as it is: the pane around it scrolls.
-class TallText final : public QTextEdit
-{
-public:
-    explicit TallText(QWidget *parent) : QTextEdit(parent)
-    {
-        setReadOnly(true);
-        setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
-        setTabChangesFocus(true);
-        setWordWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
-        setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-        connect(document()->documentLayout(), &QAbstractTextDocumentLayout::documentSizeChanged,
-                this, [this](const QSizeF &size) {
-                    setFixedHeight(qCeil(size.height()) + fontMetrics().height());
-                });
-    }
-
-protected:
-    void wheelEvent(QWheelEvent *event) override { event->ignore(); }
-};
 } // namespace
 
 EntryDetail::EntryDetail(AppModel &model, QWidget *parent)
@@ -180,7 +156,7 @@ void EntryDetail::createMore(QVBoxLayout *column)
     m_more->setFocusPolicy(Qt::StrongFocus);
     column->addWidget(m_more);
 
-    m_details = new TallText(this);
+    m_details = new VxTallText(this);
     m_details->setAccessibleName(m_more->text());
     m_details->hide();
     column->addWidget(m_details);

@@ -9,10 +9,10 @@
 class AppModel;
 class QLabel;
 class QPushButton;
-class QTextEdit;
 class QToolButton;
 class QVBoxLayout;
 class VxIconLabel;
+class VxTallText;
 struct QSCacheMeta;
 
 /// One official form: what it is, how its link stands, where it is filed, what is known about the
@@ -76,5 +76,5 @@ private:
     Fact m_downloaded{};
     Fact m_copy{};
     QToolButton *m_more = nullptr;
-    QTextEdit *m_details = nullptr;
+    VxTallText *m_details = nullptr;
 };

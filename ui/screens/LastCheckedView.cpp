@@ -1,0 +1,296 @@
+#include "LastCheckedView.h"
+
+#include "AppModel.h"
+#include "EntryLook.h"
+#include "QSDate.h"
+#include "QSDirectory.h"
+#include "VxButton.h"
+#include "VxComboBox.h"
+#include "VxIcon.h"
+#include "VxIconLabel.h"
+#include "VxText.h"
+
+#include <QAction>
+#include <QFileInfo>
+#include <QFocusEvent>
+#include <QHBoxLayout>
+#include <QHeaderView>
+#include <QLabel>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QTableView>
+#include <QVBoxLayout>
+
+#include <array>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+/// A table that divides its width among the columns, whatever the interface's size.
+class SharedTable final : public QTableView
+{
+public:
+    using QTableView::QTableView;
+
+protected:
+    void resizeEvent(QResizeEvent *event) override
+    {
+        static constexpr std::array percent = {32, 23, 19, 26};
+        for (std::size_t column = 0; column < percent.size(); ++column) {
+            setColumnWidth(static_cast<int>(column),
+                           viewport()->width() * percent.at(column) / 100);
+        }
+        QTableView::resizeEvent(event);
+    }
+};
+} // namespace
+
+LastCheckedView::LastCheckedView(AppModel &model, QWidget *parent)
+    : QWidget(parent),
+      m_model(model),
+      m_summary(VxText::make({}, VxText::Role::body, this)),
+      m_countIcon(new VxIconLabel(this)),
+      m_count(VxText::make({}, VxText::Role::heading, this)),
+      m_check(new QPushButton(u"Check all official links now"_s, this)),
+      m_progress(new QWidget(this)),
+      m_bar(new QProgressBar(m_progress)),
+      m_done(VxText::make({}, VxText::Role::body, m_progress)),
+      m_stop(VxButton::make(u"Stop"_s, u"xmark"_s, m_progress)),
+      m_filter(new VxComboBox(this)),
+      m_sort(new VxComboBox(this)),
+      m_table(new SharedTable(this)),
+      m_current(VxText::make({}, VxText::Role::note, this))
+{
+    createTable();
+    createActions();
+    auto *column = new QVBoxLayout(this);
+    column->setContentsMargins({});
+    column->setSpacing(fontMetrics().height() / 2);
+    column->addLayout(createSummary());
+    column->addLayout(createCheck());
+    column->addLayout(createChoices());
+    column->addWidget(m_table, 1);
+    column->addWidget(m_current);
+    connectTable();
+    connectModel();
+    showChecking();
+}
+
+QLayout *LastCheckedView::createSummary()
+{
+    const int em = fontMetrics().height();
+    auto *column = new QVBoxLayout;
+    column->setSpacing(em / 2);
+    auto *count = new QHBoxLayout;
+    count->setSpacing(em / 2);
+    count->addWidget(m_countIcon, 0, Qt::AlignTop);
+    count->addWidget(m_count, 1);
+    column->addWidget(m_summary);
+    column->addLayout(count);
+    return column;
+}
+
+QLayout *LastCheckedView::createCheck()
+{
+    m_check->setProperty("primary", true);
+    m_bar->setTextVisible(false);
+    m_bar->setAccessibleName(u"Links checked"_s);
+    m_done->setWordWrap(false);
+    m_stop->setAccessibleName(u"Stop checking the official links"_s);
+    auto *progress = new QHBoxLayout(m_progress);
+    progress->setContentsMargins({});
+    progress->setSpacing(fontMetrics().height() / 2);
+    progress->addWidget(m_bar, 1);
+    progress->addWidget(m_done);
+    progress->addWidget(m_stop);
+
+    auto *row = new QHBoxLayout;
+    row->setSpacing(fontMetrics().height());
+    row->addWidget(m_check);
+    row->addWidget(m_progress, 1);
+    row->addStretch();
+    return row;
+}
+
+QLayout *LastCheckedView::createChoices()
+{
+    m_filter->setAccessibleName(u"Show"_s);
+    m_filter->addItems({u"All forms"_s, u"Only what needs attention"_s});
+    m_sort->setAccessibleName(u"Sort by"_s);
+    m_sort->addItem(u"Directory order"_s);
+    for (int column = 0; column < m_rows.columnCount(); ++column) {
+        m_sort->addItem(m_rows.headerData(column, Qt::Horizontal, Qt::DisplayRole).toString());
+    }
+    auto *row = new QHBoxLayout;
+    row->setSpacing(fontMetrics().height() / 2);
+    for (VxComboBox *choice : {m_filter, m_sort}) {
+        auto *label = new QLabel(choice->accessibleName(), this);
+        label->setBuddy(choice);
+        row->addWidget(label);
+        row->addWidget(choice);
+    }
+    row->addStretch();
+    return row;
+}
+
+void LastCheckedView::createTable()
+{
+    const int em = fontMetrics().height();
+    m_shown.setSourceModel(&m_rows);
+    m_shown.setSortRole(LastCheckedModel::sortRole);
+    m_shown.setSortCaseSensitivity(Qt::CaseInsensitive);
+    m_shown.setFilterRole(LastCheckedModel::levelRole);
+    m_table->setModel(&m_shown);
+    m_table->setAccessibleName(u"Official links"_s);
+    m_table->setSelectionBehavior(QAbstractItemView::SelectRows);
+    m_table->setSelectionMode(QAbstractItemView::SingleSelection);
+    m_table->setAlternatingRowColors(true);
+    m_table->setShowGrid(false);
+    m_table->setTabKeyNavigation(false);
+    m_table->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    m_table->verticalHeader()->hide();
+    m_table->setIconSize({em, em});
+    m_table->verticalHeader()->setDefaultSectionSize(em * 15 / 4); // three lines
+    QHeaderView *header = m_table->horizontalHeader();
+    header->setHighlightSections(false);
+    header->setSectionResizeMode(QHeaderView::Fixed);
+    header->setSortIndicator(-1, Qt::AscendingOrder);
+    m_table->setSortingEnabled(true);
+    m_current->setMinimumHeight(em * 2); // the table keeps its height
+    m_current->setAlignment(Qt::AlignTop);
+}
+
+void LastCheckedView::createActions()
+{
+    const auto add = [this](const QString &text, const QString &symbol, auto act) {
+        auto *action = new QAction(VxIcon::named(symbol), text, this);
+        connect(action, &QAction::triggered, this, [this, act] {
+            if (const QSEntry *entry = current()) {
+                act(QSEntry(*entry));
+            }
+        });
+        m_table->addAction(action);
+        return action;
+    };
+    QAction *show = add(u"Show"_s, u"building.columns.fill"_s,
+                        [this](const QSEntry &entry) { m_model.showEntry(entry.id); });
+    add(u"Official page"_s, u"safari.fill"_s,
+        [this](const QSEntry &entry) { m_model.openOfficialPage(entry); });
+    m_main = add({}, u"doc.text.fill"_s, [this](const QSEntry &entry) { m_model.open(entry); });
+    m_table->setContextMenuPolicy(Qt::ActionsContextMenu);
+    connect(m_table, &QTableView::activated, show, &QAction::trigger);
+}
+
+void LastCheckedView::connectTable()
+{
+    connect(m_table->selectionModel(), &QItemSelectionModel::currentChanged, this,
+            &LastCheckedView::showCurrent);
+    connect(&m_shown, &QAbstractItemModel::dataChanged, this, &LastCheckedView::showCurrent);
+    connect(m_filter, &QComboBox::currentIndexChanged, this, [this](int chosen) {
+        static const QString anyButFine = u"[^0]"_s;
+        m_shown.setFilterRegularExpression(chosen == 0 ? QString() : anyButFine);
+        showCurrent();
+    });
+    connect(m_sort, &QComboBox::activated, this,
+            [this](int chosen) { m_table->sortByColumn(chosen - 1, Qt::AscendingOrder); });
+    connect(m_table->horizontalHeader(), &QHeaderView::sortIndicatorChanged, m_sort,
+            [this](int column) { m_sort->setCurrentIndex(column + 1); });
+}
+
+void LastCheckedView::connectModel()
+{
+    connect(m_check, &QPushButton::clicked, &m_model, &AppModel::checkAllLinks);
+    connect(m_stop, &QPushButton::clicked, &m_model, &AppModel::stopChecking);
+    connect(&m_model, &AppModel::checkingChanged, this, &LastCheckedView::showChecking);
+    connect(&m_model, &AppModel::revisionChanged, this, [this] {
+        if (isVisible()) {
+            reload();
+        }
+    });
+}
+
+void LastCheckedView::showEvent(QShowEvent *event)
+{
+    QWidget::showEvent(event);
+    reload();
+}
+
+void LastCheckedView::focusInEvent(QFocusEvent *event)
+{
+    m_table->setFocus(event->reason());
+}
+
+void LastCheckedView::reload()
+{
+    QList<LastCheckedModel::Row> rows;
+    for (const QSEntry &entry : QSDirectory::shared().entries) {
+        rows.append({.entry = entry,
+                     .status = m_model.linkStatus(entry),
+                     .checked = m_model.lastChecked(entry),
+                     .downloaded = downloaded(entry)});
+    }
+    m_rows.setRows(rows);
+    showCount();
+    showCurrent();
+}
+
+std::optional<QDateTime> LastCheckedView::downloaded(const QSEntry &entry)
+{
+    if (entry.opensInBrowser() || !QFileInfo::exists(QSCache::fileURL(entry))) {
+        return std::nullopt;
+    }
+    const QDateTime written = QFileInfo(QSCache::metaURL(entry.id)).lastModified();
+    Known &known = m_copies[entry.id];
+    if (known.written != written) {
+        const std::optional<QSCacheMeta> meta = QSCache::meta(entry.id);
+        known = {written, meta ? std::optional(meta->downloadedAt) : std::nullopt};
+    }
+    return known.downloaded;
+}
+
+void LastCheckedView::showCount()
+{
+    const QSDirectory &directory = QSDirectory::shared();
+    const int count = m_rows.attentionCount();
+    m_summary->setText(
+        directory.entries.isEmpty()
+            ? QSDirectory::loadError()
+            : u"Every official link in this version was opened and checked on %1."_s.arg(
+                  QSDate::longText(directory.checked)));
+    m_countIcon->setSymbol(count > 0 ? u"exclamationmark.triangle.fill"_s
+                                     : u"checkmark.seal.fill"_s,
+                           EntryLook::statusColour(count > 0 ? 1 : 0));
+    m_count->setText(count > 0 ? u"%1 item(s) need attention (marked below)."_s.arg(count)
+                               : u"No stale or broken links right now."_s);
+}
+
+void LastCheckedView::showChecking()
+{
+    const std::optional<AppModel::Progress> checking = m_model.checking();
+    if (!checking && m_stop->hasFocus()) {
+        m_check->setFocus();
+    }
+    m_progress->setVisible(checking.has_value());
+    if (checking) {
+        m_bar->setRange(0, checking->total);
+        m_bar->setValue(checking->done);
+        m_done->setText(u"%1 of %2"_s.arg(checking->done).arg(checking->total));
+    }
+}
+
+void LastCheckedView::showCurrent()
+{
+    const QSEntry *entry = current();
+    for (QAction *action : m_table->actions()) {
+        action->setEnabled(entry);
+    }
+    m_main->setText(entry ? EntryLook::buttonText(EntryLook::mainAction(*entry)) : QString());
+    m_main->setVisible(entry);
+    m_current->setText(entry ? m_table->currentIndex().data(LastCheckedModel::wholeRole).toString()
+                             : QString());
+}
+
+const QSEntry *LastCheckedView::current() const
+{
+    return m_rows.entryAt(m_shown.mapToSource(m_table->currentIndex()).row());
+}
