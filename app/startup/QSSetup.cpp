@@ -8,7 +8,9 @@
 #include "QSTemplates.h"
 #include "QSThemes.h"
 #include "VellAbout.h"
+#include "VellHelp.h"
 #include "VellThemeRoot.h"
+#include "help/QSHelp.h"
 
 #include <QApplication>
 
@@ -44,6 +46,7 @@ void configure()
     } else {
         new VellThemeRoot(*qApp);
     }
+    VellHelp::setTopics(QSHelp::topics());
     VellAbout::setExtraLines(
         {u"Official legal forms and plain-English templates. No legal advice."_s,
          u"Official forms directory checked "_s + QSDate::longText(QSDirectory::shared().checked) +

@@ -1,19 +1,116 @@
 #include "VellAbout.h"
 
 #include "QSInfo.h"
+#include "VellThemeRoot.h"
+#include "VxButton.h"
+#include "VxIconLabel.h"
 #include "VxText.h"
+#include "VxWindow.h"
+#include "VxZoom.h"
+#include "VxZoomHost.h"
 
+#include <QApplication>
 #include <QDate>
+#include <QDesktopServices>
 #include <QDialog>
-#include <QDialogButtonBox>
 #include <QLabel>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QScreen>
 #include <QVBoxLayout>
 
 using namespace Qt::Literals::StringLiterals;
 
 namespace {
+constexpr QSize contentSize(440, 380); ///< at 100 %
+constexpr int iconLines = 3;           ///< of text, as tall as the program's icon
+
 QStringList lines;
-}
+
+class AboutWindow final : public QDialog
+{
+public:
+    AboutWindow()
+    {
+        setWindowTitle(u"About "_s + QSInfo::appName);
+        setWindowFlags(Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint |
+                       Qt::WindowCloseButtonHint);
+        setAttribute(Qt::WA_QuitOnClose, false);
+        auto *column = new QVBoxLayout(this);
+        column->setContentsMargins({});
+        column->addWidget(new VxZoomHost(createContent(), QSize(0, 0), this));
+        if (VellThemeRoot *root = VellThemeRoot::instance()) {
+            connect(root, &VellThemeRoot::changed, this, &AboutWindow::fixSize);
+        }
+        fixSize();
+        m_close->setFocus();
+    }
+
+private:
+    void fixSize()
+    {
+        const QSize room = screen()->availableGeometry().size() * 9 / 10;
+        setFixedSize((contentSize * VxZoom::value()).boundedTo(room));
+    }
+
+    QWidget *createContent()
+    {
+        auto *content = new QWidget(this);
+        const int em = fontMetrics().height();
+        auto *column = new QVBoxLayout(content);
+        column->setContentsMargins(em * 2, em * 3 / 2, em * 2, em * 3 / 2);
+        column->setSpacing(em / 2);
+        column->addWidget(createIcon(content), 0, Qt::AlignHCenter);
+        addLine(column, QSInfo::appName, VxText::Role::title);
+        addLine(column, VellAbout::version(), VxText::Role::heading);
+        for (const QString &line : QStringList{QSInfo::creditLine} + lines) {
+            addLine(column, line, VxText::Role::body);
+        }
+        addLine(column, QSInfo::website.toString(), VxText::Role::note);
+        addLine(column, VellAbout::copyrightLine(), VxText::Role::note);
+        column->addStretch();
+        column->addLayout(createButtons(content));
+        return content;
+    }
+
+    static QWidget *createIcon(QWidget *content)
+    {
+        auto *icon = new VxIconLabel(u"signature"_s, content);
+        QFont font = icon->font();
+        font.setPointSizeF(font.pointSizeF() * iconLines);
+        icon->setFont(font);
+        return icon;
+    }
+
+    static void addLine(QVBoxLayout *column, const QString &text, VxText::Role role)
+    {
+        QLabel *line = VxText::make(text, role, column->parentWidget());
+        line->setAlignment(Qt::AlignHCenter);
+        // to read the version out to somebody, or copy it
+        line->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+        column->addWidget(line);
+    }
+
+    QLayout *createButtons(QWidget *content)
+    {
+        auto *row = new QHBoxLayout;
+        row->addStretch();
+        QPushButton *site =
+            VxButton::make(VellAbout::maker + u" Website"_s, u"safari.fill"_s, content);
+        site->setAccessibleDescription(QSInfo::website.toString());
+        m_close = new QPushButton(u"Close"_s, content);
+        m_close->setDefault(true);
+        row->addWidget(site);
+        row->addWidget(m_close);
+        row->addStretch();
+        connect(site, &QPushButton::clicked, this, &VellAbout::openWebsite);
+        connect(m_close, &QPushButton::clicked, this, &QDialog::close);
+        return row;
+    }
+
+    QPushButton *m_close = nullptr;
+};
+} // namespace
 
 namespace VellAbout {
 QStringList extraLines()
@@ -28,27 +125,31 @@ void setExtraLines(const QStringList &extra)
 
 QString version()
 {
-    return u"Version "_s + QSInfo::version();
+    const QString build = QStringLiteral(QS_BUILD);
+    return u"Version "_s + QSInfo::version() + (build.isEmpty() ? build : u" (%1)"_s.arg(build));
 }
 
 QString copyrightLine()
 {
-    return u"\u00A9 %1 Vell"_s.arg(QDate::currentDate().year());
+    return u"\u00A9 %1 %2"_s.arg(QDate::currentDate().year()).arg(maker);
 }
 
-void show(QWidget *parent)
+void show(const QWidget *over)
 {
-    QDialog dialog(parent);
-    dialog.setWindowTitle(u"About "_s + QSInfo::appName);
-    auto *layout = new QVBoxLayout(&dialog);
-    layout->addWidget(VxText::make(QSInfo::appName, VxText::Role::title));
-    for (const QString &line : QStringList{version(), QSInfo::creditLine} + lines) {
-        layout->addWidget(VxText::make(line, VxText::Role::body));
+    auto &window = VxWindow::only<AboutWindow>();
+    if (!window.isVisible()) {
+        VxWindow::centre(&window, window.size(), over);
     }
-    layout->addWidget(VxText::make(copyrightLine(), VxText::Role::note));
-    auto *buttons = new QDialogButtonBox(QDialogButtonBox::Close, &dialog);
-    QObject::connect(buttons, &QDialogButtonBox::rejected, &dialog, &QDialog::reject);
-    layout->addWidget(buttons);
-    dialog.exec();
+    VxWindow::bringForward(&window);
+}
+
+void openWebsite()
+{
+    if (!QDesktopServices::openUrl(QSInfo::website)) {
+        QMessageBox::information(
+            QApplication::activeWindow(), QSInfo::appName,
+            u"The web browser could not be opened. The web site is at %1"_s.arg(
+                QSInfo::website.toString()));
+    }
 }
 } // namespace VellAbout

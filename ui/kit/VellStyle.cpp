@@ -4,8 +4,10 @@
 
 #include <QApplication>
 #include <QFont>
-#include <QStyle>
-#include <QStyleFactory>
+#include <QFontMetrics>
+#include <QProxyStyle>
+
+#include <memory>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -78,6 +80,7 @@ QFrame#message { background: PANELBOTTOM; border: 1px solid ACCENT; border-radiu
 
 QScrollArea { background: transparent; border: 2px solid transparent; border-radius: 0.6em; }
 QScrollArea:focus { border-color: ACCENT; }
+QScrollArea#host { border: none; }
 QScrollArea > QWidget > QWidget[clear="true"] { background: transparent; }
 QScrollBar:vertical { background: transparent; width: 0.9em; margin: 0; }
 QScrollBar:horizontal { background: transparent; height: 0.9em; margin: 0; }
@@ -107,6 +110,34 @@ QCalendarWidget QTableView::item { padding: 0; }
 QCalendarWidget QAbstractItemView { selection-background-color: ACCENT;
   selection-color: ONACCENT; border-radius: 0; }
 )";
+
+/// Fusion, whose icons and marks are a line of the application's font tall instead of so many
+/// pixels.
+class LineHighStyle final : public QProxyStyle
+{
+public:
+    LineHighStyle() : QProxyStyle(u"Fusion"_s) {}
+
+    [[nodiscard]] int pixelMetric(PixelMetric metric, const QStyleOption *option,
+                                  const QWidget *widget) const override
+    {
+        switch (metric) {
+        case PM_SmallIconSize:
+        case PM_ButtonIconSize:
+        case PM_LineEditIconSize:
+        case PM_ToolBarIconSize:
+        case PM_IndicatorWidth:
+        case PM_IndicatorHeight:
+        case PM_ExclusiveIndicatorWidth:
+        case PM_ExclusiveIndicatorHeight:
+            return QFontMetrics(QApplication::font()).height();
+        case PM_MessageBoxIconSize:
+            return 2 * QFontMetrics(QApplication::font()).height();
+        default:
+            return QProxyStyle::pixelMetric(metric, option, widget);
+        }
+    }
+};
 
 /// A colour of the way from one to another.
 QColor between(VellTheme::RGB from, VellTheme::RGB to, double share)
@@ -180,8 +211,8 @@ QString styleSheet(const VellTheme &theme, const QFont &font)
 
 void apply(QApplication &application, const VellTheme &theme)
 {
-    if (application.style()->name() != "fusion"_L1) {
-        QApplication::setStyle(QStyleFactory::create(u"Fusion"_s));
+    if (!qobject_cast<QProxyStyle *>(application.style())) { // the application takes it
+        QApplication::setStyle(std::make_unique<LineHighStyle>().release());
     }
     QApplication::setPalette(palette(theme));
     application.setStyleSheet(styleSheet(theme, QApplication::font()));

@@ -33,10 +33,10 @@ private:
 } // namespace
 
 namespace VxMemory {
-void keepGeometry(QWidget *window, const QString &key)
+bool keepGeometry(QWidget *window, const QString &key)
 {
-    window->restoreGeometry(QSPrefs::settings()->value(key).toByteArray());
     new GeometryKeeper(window, key);
+    return window->restoreGeometry(QSPrefs::settings()->value(key).toByteArray());
 }
 
 void keepSplitter(QSplitter *splitter, const QString &key)
