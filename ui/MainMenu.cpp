@@ -1,10 +1,11 @@
 #include "MainMenu.h"
 
 #include "AppModel.h"
-#include "QSInfo.h"
 #include "QSTemplates.h"
-#include "VellAbout.h"
+#include "VellHelpCommands.h"
+#include "VellThemeCommands.h"
 #include "VxIcon.h"
+#include "VxZoomCommands.h"
 #include "screens/ExportMenu.h"
 
 #include <QAction>
@@ -22,11 +23,13 @@ QKeySequence key(QStringView keys)
 }
 } // namespace
 
-MainMenu::MainMenu(AppModel &model, const QList<Screen> &screens, QMainWindow *window)
+MainMenu::MainMenu(AppModel &model, QMainWindow *window)
     : QObject(window), m_model(model), m_window(window)
 {
     createFileMenu();
-    createGoMenu(screens);
+    createViewMenu();
+    createThemeMenu();
+    createGoMenu();
     createHelpMenu();
     connect(&m_model, &AppModel::editingChanged, this, &MainMenu::enableCommands);
     connect(&m_model, &AppModel::checkingChanged, this, &MainMenu::enableCommands);
@@ -66,15 +69,24 @@ void MainMenu::createFileMenu()
     menu->addAction(u"&Quit"_s, key(u"Ctrl+Q"), m_window, [this] { m_window->close(); });
 }
 
-void MainMenu::createGoMenu(const QList<Screen> &screens)
+void MainMenu::createViewMenu()
+{
+    VxZoomCommands::fill(m_window->menuBar()->addMenu(u"&View"_s));
+}
+
+void MainMenu::createThemeMenu()
+{
+    VellThemeCommands::fill(m_window->menuBar()->addMenu(u"&Theme"_s));
+}
+
+void MainMenu::createGoMenu()
 {
     QMenu *menu = m_window->menuBar()->addMenu(u"&Go"_s);
-    for (Screen screen : screens) {
-        const Screens::Info &info = Screens::info(screen);
-        // the digit is the screen's place among all of them
-        const QKeySequence key(u"Ctrl+%1"_s.arg(static_cast<int>(screen) + 1));
-        menu->addAction(VxIcon::named(info.symbol.toString()), info.title.toString(), key, &m_model,
-                        [this, screen] {
+    for (const Screens::Info &info : Screens::all) {
+        const QKeySequence place(u"Ctrl+%1"_s.arg(static_cast<int>(info.screen) + 1));
+        menu->addAction(VxIcon::named(info.symbol.toString()),
+                        info.title.toString().replace(u'&', u"&&"_s), place, &m_model,
+                        [this, screen = info.screen] {
                             if (m_model.show(screen)) {
                                 Q_EMIT screenRequested();
                             }
@@ -87,10 +99,10 @@ void MainMenu::createGoMenu(const QList<Screen> &screens)
 void MainMenu::createHelpMenu()
 {
     QMenu *menu = m_window->menuBar()->addMenu(u"&Help"_s);
-    menu->addAction(u"Show the Disclaimer"_s, &m_model,
-                    [this] { m_model.setShowDisclaimer(true); });
+    VellHelpCommands::fill(menu);
     menu->addSeparator();
-    menu->addAction(u"About "_s + QSInfo::appName, m_window, [this] { VellAbout::show(m_window); });
+    menu->addAction(u"Show the &Disclaimer"_s, &m_model,
+                    [this] { m_model.setShowDisclaimer(true); });
 }
 
 void MainMenu::enableCommands()

@@ -1,7 +1,5 @@
 #pragma once
 
-#include "Screen.h"
-
 #include <QList>
 #include <QObject>
 
@@ -16,7 +14,7 @@ class MainMenu final : public QObject
 
 public:
     /// Fills the window's menu bar; the window owns the result.
-    MainMenu(AppModel &model, const QList<Screen> &screens, QMainWindow *window);
+    MainMenu(AppModel &model, QMainWindow *window);
 
 Q_SIGNALS:
     /// The user wants to type into the search field.
@@ -26,7 +24,9 @@ Q_SIGNALS:
 
 private:
     void createFileMenu();
-    void createGoMenu(const QList<Screen> &screens);
+    void createViewMenu();
+    void createThemeMenu();
+    void createGoMenu();
     void createHelpMenu();
     /// Commands on the open document are off while there is none, the check of all links while one
     /// runs.

@@ -3,57 +3,94 @@
 #include "AppModel.h"
 #include "DisclaimerSheet.h"
 #include "MainMenu.h"
+#include "QSBackup.h"
 #include "QSInfo.h"
+#include "QSPrefs.h"
 #include "SearchField.h"
 #include "Sidebar.h"
 #include "StateMenu.h"
+#include "VellThemeRoot.h"
+#include "VxMemory.h"
 #include "VxMessageBar.h"
 #include "VxText.h"
+#include "VxWindow.h"
+#include "VxZoomHost.h"
 #include "editor/DocumentEditor.h"
 #include "formwindow/FormWindow.h"
 #include "screens/DocumentsView.h"
+#include "screens/FinderView.h"
 #include "screens/FormsView.h"
+#include "screens/LastCheckedView.h"
+#include "screens/LegalAidView.h"
 #include "screens/ProfileView.h"
 #include "screens/SearchView.h"
+#include "screens/SettingsView.h"
 #include "screens/TemplatesView.h"
 
 #include <QCloseEvent>
+#include <QDragEnterEvent>
+#include <QFileInfo>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QMimeData>
 #include <QPushButton>
 #include <QScreen>
+#include <QSettings>
 #include <QStackedWidget>
 #include <QVBoxLayout>
+
+#include <algorithm>
+#include <array>
 
 using namespace Qt::Literals::StringLiterals;
 
 namespace {
-/// The screens that the window has, in the order of the sidebar.
-const QList<Screen> screens = {Screen::forms, Screen::templates, Screen::documents,
-                               Screen::profile};
+/// Path of the one backup that is dragged; absent for anything else.
+std::optional<QString> droppedBackup(const QMimeData &dragged)
+{
+    const QList<QUrl> files = dragged.urls();
+    const QFileInfo file(files.size() == 1 ? files.constFirst().toLocalFile() : QString());
+    return file.isFile() && file.suffix().compare(QSBackup::fileExtension, Qt::CaseInsensitive) == 0
+               ? std::optional(file.filePath())
+               : std::nullopt;
+}
+
+using MakeScreen = QWidget *(*)(AppModel &, QWidget *);
+
+template <typename View>
+QWidget *make(AppModel &model, QWidget *parent)
+{
+    return new View(model, parent);
+}
+
+/// What shows each screen, in their order.
+constexpr std::array<MakeScreen, Screens::all.size()> makers = {
+    make<FinderView>,  make<FormsView>,       make<TemplatesView>, make<DocumentsView>,
+    make<ProfileView>, make<LastCheckedView>, make<LegalAidView>,  make<SettingsView>,
+};
 
 /// What the model is busy with, for the message line.
 VxMessageBar::Work work(const AppModel &model)
 {
-    VxMessageBar::Work work;
-    QStringList texts;
-    if (model.busy()) {
-        texts.append(*model.busy());
+    if (model.busy()) { // the check of links has its own place on its screen
+        return {.text = *model.busy(),
+                .done = model.busyProgress().done,
+                .total = model.busyProgress().total,
+                .stoppable = model.canStopBusy()};
     }
     if (model.checking()) {
-        texts.append(u"Checking official links"_s);
-        work.done = model.checking()->done;
-        work.total = model.checking()->total;
-        work.stoppable = true;
+        return {.text = u"Checking official links"_s,
+                .done = model.checking()->done,
+                .total = model.checking()->total,
+                .stoppable = true};
     }
-    work.text = texts.join(u" \u00B7 "_s);
-    return work;
+    return {};
 }
 } // namespace
 
 MainWindow::MainWindow(AppModel &model)
     : m_model(model),
-      m_sidebar(new Sidebar(screens, this)),
+      m_sidebar(new Sidebar(this)),
       m_title(VxText::make({}, VxText::Role::title, this)),
       m_state(new StateMenu(model, this)),
       m_search(new SearchField(model, this)),
@@ -61,6 +98,7 @@ MainWindow::MainWindow(AppModel &model)
       m_pages(new QStackedWidget(this))
 {
     createWindow();
+    keepScreen();
     connectModel();
     showPage();
     showMessage();
@@ -68,20 +106,6 @@ MainWindow::MainWindow(AppModel &model)
 }
 
 MainWindow::~MainWindow() = default;
-
-QWidget *MainWindow::createScreen(Screen screen)
-{
-    switch (screen) {
-    case Screen::forms:
-        return new FormsView(m_model, m_pages);
-    case Screen::documents:
-        return new DocumentsView(m_model, m_pages);
-    case Screen::profile:
-        return new ProfileView(m_model, m_pages);
-    default:
-        return new TemplatesView(m_model, m_pages);
-    }
-}
 
 void MainWindow::addPage(QWidget *page)
 {
@@ -98,7 +122,7 @@ QWidget *MainWindow::screenPage()
 {
     QWidget *&page = m_screens[m_model.screen()];
     if (!page) {
-        page = createScreen(m_model.screen());
+        page = makers.at(static_cast<std::size_t>(m_model.screen()))(m_model, m_pages);
         addPage(page);
     }
     return page;
@@ -144,25 +168,40 @@ void MainWindow::createWindow()
     column->setSpacing(0);
     column->addLayout(middle, 1);
     column->addWidget(createFooter());
-    setCentralWidget(centre);
-    setMinimumSize(em * 54, em * 30);
-    resize(QSize(em * 70, em * 44).boundedTo(screen()->availableGeometry().size() * 9 / 10));
+    setCentralWidget(new VxZoomHost(centre, {40, 26}, this));
+    resize(QSize(em * 74, em * 46).boundedTo(screen()->availableGeometry().size() * 9 / 10));
+    VxMemory::keepGeometry(this, u"qs.window.geometry"_s);
+    setAcceptDrops(true);
 }
 
 QWidget *MainWindow::createHeader()
 {
     auto *header = new QWidget(this);
-    auto *row = new QHBoxLayout(header);
-    row->setContentsMargins({});
-    m_title->setWordWrap(false);
-    row->addWidget(m_title, 1);
+    auto *row = new QHBoxLayout;
     auto *state = new QLabel(u"State"_s, header);
     state->setBuddy(m_state);
     row->addWidget(state);
     row->addWidget(m_state);
-    m_search->setMinimumWidth(fontMetrics().height() * 18);
+    m_search->setMinimumWidth(fontMetrics().height() * 12);
     row->addWidget(m_search);
+    m_title->setWordWrap(false);
+    m_header = new QBoxLayout(QBoxLayout::LeftToRight, header);
+    m_header->setContentsMargins({});
+    m_header->addWidget(m_title, 1);
+    m_header->addLayout(row);
     return header;
+}
+
+void MainWindow::resizeEvent(QResizeEvent *event)
+{
+    QMainWindow::resizeEvent(event);
+    arrangeHeader();
+}
+
+void MainWindow::arrangeHeader()
+{
+    const bool narrow = width() < fontMetrics().height() * 54;
+    m_header->setDirection(narrow ? QBoxLayout::TopToBottom : QBoxLayout::LeftToRight);
 }
 
 QWidget *MainWindow::createFooter()
@@ -185,7 +224,7 @@ QWidget *MainWindow::createFooter()
 
 void MainWindow::connectModel()
 {
-    auto *menu = new MainMenu(m_model, screens, this);
+    auto *menu = new MainMenu(m_model, this);
     connect(menu, &MainMenu::findRequested, m_search, [this] {
         m_search->setFocus(Qt::ShortcutFocusReason);
         m_search->selectAll();
@@ -208,9 +247,11 @@ void MainWindow::connectModel()
             m_sidebar->setCurrent(m_model.screen());
         },
         Qt::QueuedConnection);
+    connect(VellThemeRoot::instance(), &VellThemeRoot::changed, this, &MainWindow::arrangeHeader);
     connect(m_message, &VxMessageBar::dismissed, &m_model,
             [this] { m_model.setMessage(std::nullopt); });
-    connect(m_message, &VxMessageBar::stopWanted, &m_model, &AppModel::stopChecking);
+    connect(m_message, &VxMessageBar::stopWanted, &m_model,
+            [this] { m_model.busy() ? m_model.stopBusy() : m_model.stopChecking(); });
     connect(&m_model, &AppModel::screenChanged, this, &MainWindow::showPage);
     connect(&m_model, &AppModel::searchChanged, this, &MainWindow::showPage);
     connect(&m_model, &AppModel::editingChanged, this, [this] {
@@ -293,12 +334,46 @@ void MainWindow::openFormWindow()
     }
 }
 
+void MainWindow::keepScreen()
+{
+    static const QString key = u"qs.window.screen"_s;
+    const QString last = QSPrefs::settings()->value(key).toString();
+    const auto known = std::ranges::find(Screens::all, last, &Screens::Info::id);
+    if (known != Screens::all.end()) {
+        m_model.show(known->screen);
+    }
+    connect(&m_model, &AppModel::screenChanged, this, [this] {
+        QSPrefs::settings()->setValue(key, Screens::info(m_model.screen()).id.toString());
+    });
+}
+
 void MainWindow::bringForward()
 {
-    setWindowState(windowState() & ~Qt::WindowMinimized);
-    show();
-    raise();
-    activateWindow();
+    VxWindow::bringForward(this);
+}
+
+void MainWindow::dragEnterEvent(QDragEnterEvent *event)
+{
+    if (droppedBackup(*event->mimeData())) {
+        event->setDropAction(Qt::CopyAction);
+        event->accept();
+    }
+}
+
+void MainWindow::dropEvent(QDropEvent *event)
+{
+    if (const std::optional<QString> path = droppedBackup(*event->mimeData())) {
+        event->setDropAction(Qt::CopyAction);
+        event->accept();
+        // the question comes when the program that the file was dragged from is let go
+        QMetaObject::invokeMethod(
+            this,
+            [this, path = *path] {
+                activateWindow();
+                m_model.restoreFrom(path);
+            },
+            Qt::QueuedConnection);
+    }
 }
 
 void MainWindow::closeEvent(QCloseEvent *event)

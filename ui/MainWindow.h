@@ -10,6 +10,7 @@
 class AppModel;
 class DocumentEditor;
 class FormWindow;
+class QBoxLayout;
 class QLabel;
 class QPushButton;
 class QStackedWidget;
@@ -36,18 +37,25 @@ public:
 
 protected:
     void closeEvent(QCloseEvent *event) override;
+    /// One backup, dropped anywhere on the window, is restored after the question.
+    void dragEnterEvent(QDragEnterEvent *event) override;
+    void dropEvent(QDropEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
 
 private:
     [[nodiscard]] QWidget *createHeader();
     [[nodiscard]] QWidget *createFooter();
-    [[nodiscard]] QWidget *createScreen(Screen screen);
     /// The page of the model's screen. Pages are made when they are first shown, so that a start
     /// waits for one alone.
     [[nodiscard]] QWidget *screenPage();
+    /// The title stands above the state and the search where there is no room beside them.
+    void arrangeHeader();
     void addPage(QWidget *page);
     [[nodiscard]] SearchView *results();
     [[nodiscard]] DocumentEditor *editor();
     void createWindow();
+    /// Shows the screen of the last time, and notes from now on which one is shown.
+    void keepScreen();
     void connectModel();
     /// The page that the model's state asks for: results, the editor, or the screen.
     void showPage();
@@ -61,6 +69,7 @@ private:
     AppModel &m_model;
     Sidebar *m_sidebar;
     QLabel *m_title;
+    QBoxLayout *m_header = nullptr;
     StateMenu *m_state;
     SearchField *m_search;
     VxMessageBar *m_message;

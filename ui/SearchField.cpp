@@ -22,6 +22,11 @@ SearchField::SearchField(AppModel &model, QWidget *parent) : QLineEdit(parent)
     });
 }
 
+QSize SearchField::sizeHint() const
+{
+    return {fontMetrics().height() * 18, QLineEdit::sizeHint().height()}; // the prompt and more
+}
+
 void SearchField::keyPressEvent(QKeyEvent *event)
 {
     switch (event->key()) {

@@ -12,6 +12,8 @@ class SearchField final : public QLineEdit
 public:
     explicit SearchField(AppModel &model, QWidget *parent = nullptr);
 
+    [[nodiscard]] QSize sizeHint() const override;
+
 Q_SIGNALS:
     /// Enter or the down key: the user wants to go on in the results.
     void leaveForResults();

@@ -11,32 +11,37 @@
 
 using namespace Qt::Literals::StringLiterals;
 
-Sidebar::Sidebar(const QList<Screen> &screens, QWidget *parent)
-    : QFrame(parent), m_screens(screens), m_list(new QListWidget(this))
+namespace {
+Screen screenAt(int row)
+{
+    return Screens::all.at(static_cast<std::size_t>(row)).screen;
+}
+} // namespace
+
+Sidebar::Sidebar(QWidget *parent) : QFrame(parent), m_list(new QListWidget(this))
 {
     setObjectName(u"rail"_s);
     const int em = fontMetrics().height();
     m_list->setObjectName(u"sidebar"_s);
+    m_list->ensurePolished(); // so that rows are measured with the style sheet's padding
     m_list->setAccessibleName(u"Screens"_s);
     m_list->setIconSize({em, em});
     m_list->setSpacing(em / 8);
     m_list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    for (Screen screen : screens) {
-        const Screens::Info &info = Screens::info(screen);
-        auto *item = new QListWidgetItem(VxIcon::named(info.symbol.toString()),
-                                         info.title.toString(), m_list);
-        item->setSizeHint({0, em * 9 / 4});
+    for (const Screens::Info &info : Screens::all) {
+        m_list->addItem(
+            new QListWidgetItem(VxIcon::named(info.symbol.toString()), info.title.toString()));
     }
     connect(m_list, &QListWidget::currentRowChanged, this, [this](int row) {
         if (row >= 0) {
-            Q_EMIT chosen(m_screens.at(row));
+            Q_EMIT chosen(screenAt(row));
         }
     });
 
     // the current row as well: it leads back from the editor and from search results
     const auto choose = [this](const QListWidgetItem *item) {
         if (item == m_list->currentItem()) {
-            Q_EMIT chosen(m_screens.at(m_list->row(item)));
+            Q_EMIT chosen(screenAt(m_list->row(item)));
         }
     };
     connect(m_list, &QListWidget::itemClicked, this, choose);
@@ -53,11 +58,11 @@ Sidebar::Sidebar(const QList<Screen> &screens, QWidget *parent)
 
 Screen Sidebar::current() const
 {
-    return m_screens.at(m_list->currentRow());
+    return screenAt(m_list->currentRow());
 }
 
 void Sidebar::setCurrent(Screen screen)
 {
     const QSignalBlocker quiet(m_list);
-    m_list->setCurrentRow(static_cast<int>(m_screens.indexOf(screen)));
+    m_list->setCurrentRow(static_cast<int>(screen)); // in the order of the rows
 }

@@ -3,7 +3,6 @@
 #include "Screen.h"
 
 #include <QFrame>
-#include <QList>
 
 class QListWidget;
 
@@ -14,7 +13,7 @@ class Sidebar final : public QFrame
     Q_OBJECT
 
 public:
-    explicit Sidebar(const QList<Screen> &screens, QWidget *parent = nullptr);
+    explicit Sidebar(QWidget *parent = nullptr);
 
     void setCurrent(Screen screen);
     [[nodiscard]] Screen current() const;
@@ -23,6 +22,5 @@ Q_SIGNALS:
     void chosen(Screen screen);
 
 private:
-    QList<Screen> m_screens;
     QListWidget *m_list;
 };

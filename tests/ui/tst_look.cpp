@@ -27,6 +27,9 @@ QStringList places(const QWidget &window)
 {
     QStringList found;
     for (const QWidget *each : window.findChildren<QWidget *>()) {
+        if (!each->isVisible()) {
+            continue;
+        }
         const QRect at(each->mapTo(&window, QPoint()), each->size());
         found.append(
             u"%1 %2,%3 %4x%5 %6pt"_s.arg(QLatin1StringView(each->metaObject()->className()))
@@ -143,7 +146,8 @@ private Q_SLOTS:
         VxZoom::setValue(2);
         QCoreApplication::processEvents();
         QVERIFY(qAbs(panel->findChild<QLabel *>()->fontMetrics().height() - 2 * titleBefore) <= 2);
-        QCOMPARE(button->sizeHint().height(), 2 * buttonBefore.height());
+        QVERIFY(qAbs(button->sizeHint().height() - 2 * buttonBefore.height()) <=
+                4); // lines stay thin
 
         for (double zoom : {0.85, 1.15, 0.85, 1.3, 1.75, 1.45, 1.0}) { // rounding does not add up
             VxZoom::setValue(zoom);

@@ -164,12 +164,12 @@ private Q_SLOTS:
         QTest::keyClicks(shown<FieldsPane>()->findChild<QLineEdit *>(), u"7"_s);
         auto *list = named<QListWidget>(u"Screens"_s);
         m_desktop->answers = {cancel};
-        const QRect row = list->visualItemRect(list->item(2));
+        const QRect row = list->visualItemRect(list->item(static_cast<int>(Screen::documents)));
         QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, row.center());
         QTRY_COMPARE(m_desktop->questions.size(), 1);
         QTest::qWait(0);
         QCOMPARE(m_desktop->questions.size(), 1); // asked once
-        QCOMPARE(list->currentRow(), 1);
+        QCOMPARE(list->currentRow(), static_cast<int>(Screen::finder));
         QVERIFY(m_model->editing());
         m_desktop->answers = {dontSave};
         QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, row.center());

@@ -13,6 +13,7 @@
 #include "VxMemory.h"
 #include "VxMessageBar.h"
 #include "VxText.h"
+#include "VxWindow.h"
 #include "VxZoomHost.h"
 #include "screens/ExportMenu.h"
 
@@ -240,10 +241,7 @@ void FormWindow::showWork()
 
 void FormWindow::bringForward()
 {
-    setWindowState(windowState() & ~Qt::WindowMinimized);
-    show();
-    raise();
-    activateWindow();
+    VxWindow::bringForward(this);
 }
 
 void FormWindow::resizeEvent(QResizeEvent *event)
