@@ -13,6 +13,7 @@
 #include <QMap>
 #include <QObject>
 #include <QString>
+#include <QTemporaryDir>
 #include <QTimer>
 
 #include <optional>
@@ -130,7 +131,7 @@ public:
     void selectEntry(const QString &id);
     /// Opens a form: in the browser where it is no file, else its copy, fetched if need be, in the
     /// form window (a Word document in the desktop's own program). Of two forms opened one after
-    /// the other, the later one is shown.
+    /// the other, the later one is shown; one that is on its way already goes on.
     void open(const QSEntry &entry);
     /// Asks the form's site whether there is a newer version.
     void recheck(const QSEntry &entry);
@@ -174,6 +175,9 @@ public:
     void deleteFilledPDF(const QSFilledPDF &record);
     void exportFilledPDF(const QSFilledPDF &record, FormExport how);
     void printFilledPDF(const QSFilledPDF &record);
+    /// Path of a copy of the filled PDF under its own name, for other programs to take; empty, with
+    /// a message, when there is none. It goes with the program.
+    [[nodiscard]] QString handOut(const QSFilledPDF &record);
 
     // Search
     [[nodiscard]] QList<QSSearchHit> hits();
@@ -313,13 +317,15 @@ private:
     Progress m_busyProgress;
     int m_busyWork = 0;                   ///< number of the work whose text is shown
     QHash<int, std::stop_source> m_works; ///< all that run, by number
+    QString m_gettingEntryID;             ///< of the form on its way, unless that was stopped
     std::stop_source m_opening; ///< ends what was last asked to be shown in the form window
     std::stop_source m_check;   ///< ends the check of links that runs
     std::optional<QMap<QString, QString>> m_profileEdits;
     QTimer m_draftTimer;
-    bool m_drafting = false;     ///< drafts are kept
-    bool m_toldOfDrafts = false; ///< that they can't be kept
-    QUuid m_draftedForm;         ///< the opening whose PDF is kept
+    bool m_drafting = false;                  ///< drafts are kept
+    bool m_toldOfDrafts = false;              ///< that they can't be kept
+    std::optional<QTemporaryDir> m_handedOut; ///< copies that other programs may take
+    QUuid m_draftedForm;                      ///< the opening whose PDF is kept
 };
 
 template <typename Result>

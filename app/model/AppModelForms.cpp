@@ -81,6 +81,9 @@ void AppModel::open(const QSEntry &entry)
         openLink(entry.url);
         return;
     }
+    if (entry.id == m_gettingEntryID && !m_opening.stop_requested()) {
+        return; // a second press: it would only begin its way again
+    }
     if (m_openPDF && !m_openPDF->form().saved && m_openPDF->form().entry &&
         m_openPDF->form().entry->id == entry.id) {
         Q_EMIT openPDFWanted();
@@ -90,6 +93,7 @@ void AppModel::open(const QSEntry &entry)
         return;
     }
     const std::stop_source stop = startOpening();
+    m_gettingEntryID = entry.id;
     runBusy<Fetched>(
         u"Getting %1 from the official site\u2026"_s.arg(entry.displayTitle()), stop,
         [entry, stop](const AsyncTask::Progress &) { return fetchForm(entry, stop.get_token()); },
@@ -97,6 +101,7 @@ void AppModel::open(const QSEntry &entry)
             if (stop.stop_requested()) {
                 return;
             }
+            m_gettingEntryID.clear();
             if (form.error) {
                 setMessage(form.error->description());
                 return;
@@ -474,4 +479,21 @@ void AppModel::printFilledPDF(const QSFilledPDF &record)
     loadFilledPDF(record, [=, this](const std::shared_ptr<QSPDFDocument> &document) {
         printPDF(document, record.title);
     });
+}
+
+QString AppModel::handOut(const QSFilledPDF &record)
+{
+    if (!m_handedOut) {
+        m_handedOut.emplace();
+    }
+    try {
+        const QString path =
+            m_handedOut->filePath(QSExport::safeFileName(record.title) + u".pdf"_s);
+        QSFile::write(path, QSFile::read(filledPath(record)));
+        return path;
+    } catch (const QSError &error) {
+        qWarning("%s", error.what());
+        setMessage(cannotOpenSaved);
+        return {};
+    }
 }

@@ -6,7 +6,7 @@
 #include "QSTemplates.h"
 #include "VxButton.h"
 #include "VxFlow.h"
-#include "VxMemory.h"
+#include "VxSplit.h"
 #include "VxText.h"
 #include "screens/ExportMenu.h"
 
@@ -43,18 +43,12 @@ DocumentEditor::DocumentEditor(AppModel &model, QWidget *parent)
       m_fields(new FieldsPane(this)),
       m_preview(new PaperPreview(this))
 {
-    auto *split = new QSplitter(Qt::Horizontal, this);
-    split->addWidget(m_fields);
-    split->addWidget(m_preview);
-    split->setChildrenCollapsible(false);
-    split->setSizes({2000, 3000}); // shares of whatever room there is
     m_fields->setMinimumWidth(fontMetrics().height() * 12);
-    VxMemory::keepSplitter(split, u"qs.editor.splitter"_s);
 
     auto *column = new QVBoxLayout(this);
     column->setContentsMargins({});
     column->addWidget(createCommands());
-    column->addWidget(split, 1);
+    column->addWidget(VxSplit::make(m_fields, m_preview, u"qs.editor.splitter"_s, this), 1);
     connectModel();
     openDocument();
 }

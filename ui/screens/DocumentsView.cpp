@@ -14,6 +14,7 @@ using namespace Qt::Literals::StringLiterals;
 DocumentsView::DocumentsView(AppModel &model, QWidget *parent)
     : QWidget(parent),
       m_model(model),
+      m_filledPDFs([&model](const QSFilledPDF &record) { return model.handOut(record); }),
       m_documentList(new RecordList(u"Filled Vell templates"_s, m_documents, this)),
       m_filledList(new RecordList(u"Filled official PDFs"_s, m_filledPDFs, this)),
       m_column(new QVBoxLayout(this))

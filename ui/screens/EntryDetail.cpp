@@ -15,6 +15,7 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLocale>
+#include <QMenu>
 #include <QPushButton>
 #include <QScrollBar>
 #include <QToolButton>
@@ -164,15 +165,7 @@ void EntryDetail::createMore(QVBoxLayout *column)
 
 void EntryDetail::connectActions()
 {
-    connect(m_main, &QPushButton::clicked, this, [this] {
-        const QSEntry entry = *m_entry;
-        if (entry.id == m_opening) { // it would only begin its way again
-            return;
-        }
-        m_opening = entry.opensInBrowser() ? QString() : entry.id;
-        m_model.open(entry);
-        forgetOpened();
-    });
+    connect(m_main, &QPushButton::clicked, this, [this] { m_model.open(QSEntry(*m_entry)); });
     connect(m_page, &QPushButton::clicked, this, [this] { m_model.openOfficialPage(*m_entry); });
     connect(m_recheck, &QPushButton::clicked, this, [this] {
         if (!m_model.busy()) {
@@ -184,7 +177,6 @@ void EntryDetail::connectActions()
         m_more->setArrowType(open ? Qt::DownArrow : Qt::RightArrow);
         m_details->setVisible(open);
     });
-    connect(&m_model, &AppModel::busyChanged, this, &EntryDetail::forgetOpened);
 }
 
 void EntryDetail::display(const QSEntry *entry)
@@ -245,16 +237,19 @@ void EntryDetail::setFact(const Fact &fact, const QString &value)
     fact.text->setVisible(!value.isEmpty());
 }
 
-void EntryDetail::forgetOpened()
-{
-    if (!m_model.busy()) {
-        m_opening.clear();
-    }
-}
-
 void EntryDetail::act()
 {
     if (m_entry) {
         m_main->click();
+    }
+}
+
+void EntryDetail::fillMenu(QMenu *menu) const
+{
+    for (QPushButton *button : {m_main, m_page, m_recheck, m_showCopy}) {
+        if (m_entry && button->isVisibleTo(this)) {
+            menu->addAction(button->icon(), button->text(), button, &QPushButton::click)
+                ->setEnabled(button->isEnabled());
+        }
     }
 }

@@ -8,6 +8,7 @@
 
 class AppModel;
 class QLabel;
+class QMenu;
 class QPushButton;
 class QToolButton;
 class QVBoxLayout;
@@ -29,6 +30,8 @@ public:
     void display(const QSEntry *entry);
     /// Does what the main button does.
     void act();
+    /// Fills a menu with what the buttons do.
+    void fillMenu(QMenu *menu) const;
 
 private:
     /// A text after its icon.
@@ -52,11 +55,9 @@ private:
     void connectActions();
     void displayFacts(const std::optional<QSCacheMeta> &copy);
     static void setFact(const Fact &fact, const QString &value);
-    void forgetOpened();
 
     AppModel &m_model;
     std::optional<QSEntry> m_entry;
-    QString m_opening; ///< id of the form on its way, while the model is busy with it
 
     QLabel *m_hint;
     QWidget *m_content;

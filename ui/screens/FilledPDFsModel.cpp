@@ -3,6 +3,12 @@
 #include "QSDate.h"
 #include "QSDirectory.h"
 
+#include <QMimeData>
+#include <QUrl>
+
+#include <memory>
+#include <utility>
+
 using namespace Qt::Literals::StringLiterals;
 
 namespace {
@@ -14,10 +20,33 @@ QString officialForm(const QSFilledPDF &record)
 }
 } // namespace
 
-FilledPDFsModel::FilledPDFsModel()
+FilledPDFsModel::FilledPDFsModel(HandOut handOut)
     : RecordsModel({{u"Name", [](const QSFilledPDF &record) { return record.title; }},
                     {u"Official form", officialForm},
                     {u"Last changed",
-                     [](const QSFilledPDF &record) { return QSDate::stamp(record.modified); }}})
+                     [](const QSFilledPDF &record) { return QSDate::stamp(record.modified); }}}),
+      m_handOut(std::move(handOut))
 {
+}
+
+Qt::ItemFlags FilledPDFsModel::flags(const QModelIndex &index) const
+{
+    return RecordsModel::flags(index) | Qt::ItemIsDragEnabled;
+}
+
+QStringList FilledPDFsModel::mimeTypes() const
+{
+    return {u"text/uri-list"_s};
+}
+
+QMimeData *FilledPDFsModel::mimeData(const QModelIndexList &indexes) const
+{
+    const auto record = recordAt(indexes.isEmpty() ? -1 : indexes.constFirst().row());
+    const QString path = record ? m_handOut(*record) : QString();
+    if (path.isEmpty()) {
+        return nullptr;
+    }
+    auto dragged = std::make_unique<QMimeData>();
+    dragged->setUrls({QUrl::fromLocalFile(path)});
+    return dragged.release();
 }

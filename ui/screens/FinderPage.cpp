@@ -81,7 +81,6 @@ FinderPage::FinderPage(AppModel &model, const QSTask &task, QWidget *parent)
     }
     m_column->addStretch();
     refresh();
-    connect(&m_model, &AppModel::busyChanged, this, &FinderPage::forgetOpened);
 }
 
 bool FinderPage::shows(const QSTask &task, const QString &state) const
@@ -151,7 +150,7 @@ void FinderPage::createForm(QVBoxLayout *section, const QSEntry &entry)
     line->addWidget(form.icon, 0, Qt::AlignTop);
     line->addWidget(form.status, 1);
     m_forms.append(form);
-    connect(row.button, &QPushButton::clicked, this, [this, entry] { open(entry); });
+    connect(row.button, &QPushButton::clicked, this, [this, entry] { m_model.open(entry); });
 }
 
 void FinderPage::createStatutoryForm(const QSFinderResult &found)
@@ -279,21 +278,4 @@ void FinderPage::addLink(QVBoxLayout *section, const QString &title, const QStri
 void FinderPage::connectLink(QPushButton *button, const QString &url)
 {
     connect(button, &QPushButton::clicked, this, [this, url] { m_model.openLink(url); });
-}
-
-void FinderPage::open(const QSEntry &entry)
-{
-    if (entry.id == m_opening) { // it would only begin its way again
-        return;
-    }
-    m_opening = entry.opensInBrowser() ? QString() : entry.id;
-    m_model.open(entry);
-    forgetOpened();
-}
-
-void FinderPage::forgetOpened()
-{
-    if (!m_model.busy()) {
-        m_opening.clear();
-    }
 }

@@ -67,13 +67,10 @@ private:
     void addLink(QVBoxLayout *section, const QString &title, const QString &about,
                  const QString &url);
     void connectLink(QPushButton *button, const QString &url);
-    void open(const QSEntry &entry);
-    void forgetOpened();
 
     AppModel &m_model;
     QString m_task;
     QString m_state;
     QList<FormLine> m_forms;
-    QString m_opening; ///< id of the form on its way, while the model is busy with it
     QVBoxLayout *m_column;
 };

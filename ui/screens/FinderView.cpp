@@ -6,6 +6,7 @@
 #include "FormsModel.h"
 #include "QSFinder.h"
 #include "VxIcon.h"
+#include "VxSplit.h"
 #include "VxText.h"
 
 #include <QHBoxLayout>
@@ -35,9 +36,7 @@ FinderView::FinderView(AppModel &model, QWidget *parent)
     createArea();
     auto *row = new QHBoxLayout(this);
     row->setContentsMargins({});
-    row->setSpacing(fontMetrics().height());
-    row->addWidget(m_list, 2);
-    row->addWidget(m_area, 3);
+    row->addWidget(VxSplit::make(m_list, m_area, u"qs.finder.splitter"_s, this));
     connectModel();
     setFocusProxy(m_list);
 }
@@ -55,7 +54,7 @@ void FinderView::createArea()
 {
     m_area->setWidgetResizable(true);
     m_area->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    m_area->setMinimumWidth(fontMetrics().height() * 20);
+    m_area->setMinimumWidth(fontMetrics().height() * 14);
     m_area->setAccessibleName(u"The chosen task"_s);
     QLabel *hint =
         VxText::make(u"Choose a task on the left."_s, VxText::Role::heading, m_area->viewport());

@@ -5,6 +5,8 @@
 #include "EntryList.h"
 #include "QSDirectory.h"
 #include "VxComboBox.h"
+#include "VxContextMenu.h"
+#include "VxSplit.h"
 #include "VxText.h"
 
 #include <QFocusEvent>
@@ -34,15 +36,15 @@ FormsView::FormsView(AppModel &model, QWidget *parent)
       m_detail(new EntryDetail(model, this))
 {
     createList();
-    auto *left = new QVBoxLayout;
-    left->addWidget(m_category);
-    left->addWidget(m_empty, 1);
-    left->addWidget(m_list, 1);
+    auto *left = new QWidget(this);
+    auto *column = new QVBoxLayout(left);
+    column->setContentsMargins({});
+    column->addWidget(m_category);
+    column->addWidget(m_empty, 1);
+    column->addWidget(m_list, 1);
     auto *row = new QHBoxLayout(this);
     row->setContentsMargins({});
-    row->setSpacing(fontMetrics().height());
-    row->addLayout(left, 2);
-    row->addWidget(m_detail, 3);
+    row->addWidget(VxSplit::make(left, m_detail, u"qs.forms.splitter"_s, this));
     connectList();
 }
 
@@ -71,6 +73,7 @@ void FormsView::connectList()
                 }
             });
     connect(m_list, &QListView::activated, m_detail, &EntryDetail::act);
+    VxContextMenu::attach(m_list, [this](QMenu *menu) { m_detail->fillMenu(menu); });
     const auto reloadIfShown = [this] {
         if (isVisible()) {
             reload();

@@ -2,11 +2,13 @@
 
 #include "RecordsModel.h"
 #include "VxButton.h"
+#include "VxContextMenu.h"
 #include "VxText.h"
 
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QLabel>
+#include <QMenu>
 #include <QPushButton>
 #include <QShortcut>
 #include <QTableView>
@@ -29,7 +31,21 @@ RecordList::RecordList(const QString &heading, QAbstractItemModel &model, QWidge
     column->addWidget(m_empty);
     column->addWidget(m_table, 1);
     connectActions();
+    VxContextMenu::attach(m_table, [this](QMenu *menu) { fillMenu(menu); });
     enableButtons();
+}
+
+void RecordList::fillMenu(QMenu *menu)
+{
+    const auto add = [this, menu](const QPushButton *button, void (RecordList::*wanted)()) {
+        menu->addAction(button->icon(), button->text(), this, wanted);
+    };
+    add(m_open, &RecordList::openWanted);
+    QMenu *formats = menu->addMenu(m_export->icon(), m_export->text());
+    formats->addActions(m_export->menu()->actions());
+    add(m_print, &RecordList::printWanted);
+    menu->addSeparator();
+    add(m_delete, &RecordList::deleteWanted);
 }
 
 void RecordList::createTable()
@@ -41,6 +57,7 @@ void RecordList::createTable()
     m_table->setShowGrid(false);
     m_table->setTabKeyNavigation(false);
     m_table->setWordWrap(false);
+    m_table->setDragEnabled(true);
     m_table->verticalHeader()->hide();
     m_table->verticalHeader()->setDefaultSectionSize(fontMetrics().height() * 2);
     QHeaderView *header = m_table->horizontalHeader();

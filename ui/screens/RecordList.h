@@ -6,12 +6,14 @@
 
 class QAbstractItemModel;
 class QLabel;
+class QMenu;
 class QPushButton;
 class QTableView;
 
 /// A list of saved records under a heading, with the buttons for the selected one: Open, Export,
 /// Print and Delete. Enter and a double click open, the delete key deletes. Where the list is
-/// empty, a sentence stands in its place.
+/// empty, a sentence stands in its place. Rows can be dragged where the model has something to
+/// give.
 class RecordList final : public QWidget
 {
     Q_OBJECT
@@ -39,6 +41,7 @@ private:
     [[nodiscard]] QWidget *createButtons();
     void connectActions();
     void enableButtons();
+    void fillMenu(QMenu *menu);
 
     QAbstractItemModel &m_model;
     QTableView *m_table;

@@ -4,12 +4,15 @@
 #include "QSDate.h"
 #include "QSStates.h"
 #include "QSTemplates.h"
+#include "VxContextMenu.h"
 #include "VxPanel.h"
+#include "VxSplit.h"
 #include "VxText.h"
 
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QListWidget>
+#include <QMenu>
 #include <QPushButton>
 #include <QRegularExpression>
 #include <QScrollArea>
@@ -54,9 +57,7 @@ TemplatesView::TemplatesView(AppModel &model, QWidget *parent)
     createList();
     auto *row = new QHBoxLayout(this);
     row->setContentsMargins({});
-    row->setSpacing(fontMetrics().height());
-    row->addWidget(m_list, 2);
-    row->addWidget(createDetail(), 3);
+    row->addWidget(VxSplit::make(m_list, createDetail(), u"qs.templates.splitter"_s, this));
 
     connect(m_list, &QListWidget::currentItemChanged, this, [this](QListWidgetItem *item) {
         if (item) {
@@ -64,6 +65,9 @@ TemplatesView::TemplatesView(AppModel &model, QWidget *parent)
         }
     });
     connect(m_list, &QListWidget::itemActivated, this, &TemplatesView::start);
+    VxContextMenu::attach(m_list, [this](QMenu *menu) {
+        menu->addAction(m_start->text(), this, &TemplatesView::start);
+    });
     connect(&m_model, &AppModel::selectionChanged, this, &TemplatesView::showSelection);
     setFocusProxy(m_list);
     showSelection();
