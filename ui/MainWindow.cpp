@@ -168,7 +168,7 @@ void MainWindow::createWindow()
     column->setSpacing(0);
     column->addLayout(middle, 1);
     column->addWidget(createFooter());
-    setCentralWidget(new VxZoomHost(centre, {40, 26}, this));
+    setCentralWidget(new VxZoomHost(centre, {40, 22}, this));
     resize(QSize(em * 74, em * 46).boundedTo(screen()->availableGeometry().size() * 9 / 10));
     VxMemory::keepGeometry(this, u"qs.window.geometry"_s);
     setAcceptDrops(true);

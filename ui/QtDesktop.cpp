@@ -3,6 +3,7 @@
 #include "QSExport.h"
 #include "QSInfo.h"
 #include "QSPDFDocument.h"
+#include "VxIcon.h"
 #include "formwindow/FormPrint.h"
 
 #include <QApplication>
@@ -99,7 +100,8 @@ int QtDesktop::ask(const Question &question)
 {
     QMessageBox box(window());
     box.setWindowTitle(QSInfo::appName);
-    box.setIcon(QMessageBox::Question);
+    const int line = box.fontMetrics().height();
+    box.setIconPixmap(VxIcon::named(u"questionmark.circle.fill"_s).pixmap(2 * line, 2 * line));
     box.setTextFormat(Qt::PlainText);
     box.setText(question.text);
     box.setInformativeText(question.detail);

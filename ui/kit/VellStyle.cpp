@@ -1,8 +1,10 @@
 #include "VellStyle.h"
 
+#include "QSInfo.h"
 #include "VellTheme.h"
 
 #include <QApplication>
+#include <QDir>
 #include <QFont>
 #include <QFontMetrics>
 #include <QProxyStyle>
@@ -12,8 +14,8 @@
 using namespace Qt::Literals::StringLiterals;
 
 namespace {
-// Names in capitals stand for the theme's colours and for sizes of text. A length of 1em is a line
-// of the application's font.
+// Names in capitals stand for the theme's colours, sizes of text and the folder of icons. A length
+// of 1em is a line of the application's font.
 constexpr QStringView sheet = uR"(
 QMainWindow, QDialog { background: BG; }
 QToolTip { background: PANELBOTTOM; color: TEXT; border: 1px solid DIM; padding: 0.2em; }
@@ -41,8 +43,9 @@ QPushButton[primary="true"] { background: ACCENT; color: ONACCENT; border: 1px s
 QPushButton[primary="true"]:hover { border-color: TEXT; }
 QPushButton[primary="true"]:focus { border: 2px solid TEXT; margin: 0; }
 QPushButton[primary="true"]:disabled { background: PANELBOTTOM; color: FAINT; border-color: EDGE; }
-QPushButton::menu-indicator { subcontrol-position: right center; right: 0.4em; }
-QPushButton[menu="true"] { padding-right: 1.6em; }
+QPushButton::menu-indicator { image: url(ICONS/chevron-down-light.svg); width: 0.7em; height: 0.7em;
+  subcontrol-position: right center; right: 0.6em; }
+QPushButton[menu="true"] { padding-right: 2em; }
 
 QLineEdit, QPlainTextEdit, QTextEdit, QComboBox {
   background: INSET; color: TEXT; border: 1px solid LINE; margin: 1px; border-radius: 0.4em;
@@ -50,6 +53,8 @@ QLineEdit, QPlainTextEdit, QTextEdit, QComboBox {
   selection-background-color: ACCENT; selection-color: ONACCENT; }
 QLineEdit:focus, QPlainTextEdit:focus, QTextEdit:focus, QComboBox:focus {
   border: 2px solid ACCENT; margin: 0; }
+QComboBox::drop-down { border: none; width: 1.6em; }
+QComboBox::down-arrow { image: url(ICONS/chevron-down-light.svg); width: 0.7em; height: 0.7em; }
 QComboBox QAbstractItemView { background: PANELBOTTOM; color: TEXT; border: 1px solid LINE;
   selection-background-color: ACCENT; selection-color: ONACCENT; }
 
@@ -91,8 +96,9 @@ QScrollBar::handle:hover { background: DIM; }
 QScrollBar::add-line, QScrollBar::sub-line { width: 0; height: 0; }
 QScrollBar::add-page, QScrollBar::sub-page { background: transparent; }
 
-QSplitter::handle { background: EDGE; }
-QSplitter::handle:horizontal { width: 0.35em; }
+QSplitter::handle:horizontal { width: 0.9em;
+  background: qlineargradient(x1:0, y1:0, x2:1, y2:0, stop:0 rgba(0,0,0,0), stop:0.39 rgba(0,0,0,0),
+  stop:0.4 EDGE, stop:0.6 EDGE, stop:0.61 rgba(0,0,0,0), stop:1 rgba(0,0,0,0)); }
 QProgressBar { background: INSET; border: 1px solid LINE; border-radius: 0.3em; max-height: 0.5em; }
 QProgressBar::chunk { background: ACCENT; border-radius: 0.3em; }
 
@@ -103,6 +109,8 @@ QMenu { background: PANELBOTTOM; color: TEXT; border: 1px solid LINE; padding: 0
 QMenu::item { padding: 0.35em 1.6em; border-radius: 0.3em; }
 QMenu::item:selected { background: ACCENT; color: ONACCENT; }
 QMenu::item:disabled { color: FAINT; }
+QMenu::indicator { width: 0.9em; height: 0.9em; left: 0.4em; }
+QMenu::indicator:checked { image: url(ICONS/check-lg-light.svg); }
 QMenu::separator { height: 1px; background: LINE; margin: 0.3em 0.6em; }
 
 QCalendarWidget QWidget { background: PANELBOTTOM; color: TEXT; alternate-background-color: PANELTOP; }
@@ -204,6 +212,8 @@ QString styleSheet(const VellTheme &theme, const QFont &font)
     const auto points = [&font](double factor) {
         return u"%1pt"_s.arg(font.pointSizeF() * factor);
     };
+    const std::optional<QDir> resources = QSInfo::resourceFolder();
+    text.replace(u"ICONS"_s, resources ? resources->filePath(u"icons"_s) : QString());
     text.replace(u"TITLESIZE"_s, points(1.6));
     text.replace(u"HEADINGSIZE"_s, points(1.15));
     return text;

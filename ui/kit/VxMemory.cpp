@@ -3,6 +3,7 @@
 #include "QSPrefs.h"
 
 #include <QEvent>
+#include <QScreen>
 #include <QSettings>
 #include <QSplitter>
 #include <QWidget>
@@ -36,7 +37,12 @@ namespace VxMemory {
 bool keepGeometry(QWidget *window, const QString &key)
 {
     new GeometryKeeper(window, key);
-    return window->restoreGeometry(QSPrefs::settings()->value(key).toByteArray());
+    if (!window->restoreGeometry(QSPrefs::settings()->value(key).toByteArray())) {
+        return false;
+    }
+    // the screen may be a smaller one now
+    window->resize(window->size().boundedTo(window->screen()->availableGeometry().size()));
+    return true;
 }
 
 void keepSplitter(QSplitter *splitter, const QString &key)

@@ -106,7 +106,10 @@ void scaleSizes(QWidget *widget, Scaler &scaler)
 void scaleWidget(QWidget *widget, double ratio)
 {
     Scaler scaler(widget, ratio);
-    scaleSizes(widget, scaler);
+    // the smallest size of a window is what its layout says
+    if (!widget->isWindow() && !widget->property(VxScale::ownSize).toBool()) {
+        scaleSizes(widget, scaler);
+    }
     scaleIcons(widget, scaler);
     if (auto *header = qobject_cast<QHeaderView *>(widget);
         header && header->orientation() == Qt::Vertical) {

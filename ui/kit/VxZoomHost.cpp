@@ -1,6 +1,7 @@
 #include "VxZoomHost.h"
 
 #include "VellThemeRoot.h"
+#include "VxScale.h"
 
 #include <QEvent>
 #include <QScreen>
@@ -15,6 +16,8 @@ VxZoomHost::VxZoomHost(QWidget *content, QSize lines, QWidget *parent)
     setFocusPolicy(Qt::NoFocus);
     setWidgetResizable(true);
     content->installEventFilter(this);
+    setProperty(VxScale::ownSize, true);
+    content->setProperty(VxScale::ownSize, true);
     m_origin = new QWidget(content);
     m_origin->setObjectName(u"vell-zoom-origin"_s);
     m_origin->setGeometry(0, 0, 1, 1);

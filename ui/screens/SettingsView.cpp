@@ -134,7 +134,7 @@ void SettingsView::createPlaces()
         const int row = grid->rowCount();
         grid->addWidget(name, row, 0);
         grid->addWidget(path, row, 1, Qt::AlignVCenter);
-        grid->addWidget(show, row, 2);
+        grid->addWidget(show, row + 1, 1, Qt::AlignLeft);
     }
 }
 
