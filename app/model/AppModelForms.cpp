@@ -4,7 +4,6 @@
 #include "QSDesktop.h"
 #include "QSDirectory.h"
 #include "QSFile.h"
-#include "QSInfo.h"
 #include "QSPDF.h"
 
 #include <QScopedValueRollback>
@@ -14,8 +13,6 @@
 using namespace Qt::Literals::StringLiterals;
 
 namespace {
-const QString cannotOpenSaved = u"This saved PDF could not be opened."_s;
-
 /// An official form that was fetched, as it came off the network.
 struct Fetched
 {
@@ -36,11 +33,6 @@ Fetched fetchForm(const QSEntry &entry, const std::stop_token &stop)
         }
     }
     return form;
-}
-
-QString filledPath(const QSFilledPDF &record)
-{
-    return QSInfo::filledFolder().filePath(record.fileName);
 }
 } // namespace
 
@@ -308,46 +300,6 @@ void AppModel::openPractice()
     }
 }
 
-void AppModel::loadFilledPDF(
-    const QSFilledPDF &record,
-    const std::function<void(const std::shared_ptr<QSPDFDocument> &)> &loaded)
-{
-    using Document = std::shared_ptr<QSPDFDocument>;
-    runBusy<Document>(
-        u"Opening \"%1\"\u2026"_s.arg(record.title), std::stop_source(std::nostopstate),
-        [path = filledPath(record)](const AsyncTask::Progress &) {
-            return QSPDFDocument::open(QSFile::read(path));
-        },
-        [this, loaded](const AsyncTask::Outcome<Document> &opened) {
-            if (opened.error) {
-                qWarning("%s", opened.error->what());
-                setMessage(cannotOpenSaved);
-                return;
-            }
-            whenNothingIsAsked([=] { loaded(*opened.result); });
-        });
-}
-
-void AppModel::openSaved(const QSFilledPDF &record)
-{
-    if (m_openPDF && m_openPDF->form().saved && m_openPDF->form().saved->id == record.id) {
-        Q_EMIT openPDFWanted();
-        return;
-    }
-    loadFilledPDF(record, [this, record,
-                           stop = startOpening()](const std::shared_ptr<QSPDFDocument> &document) {
-        if (stop.stop_requested()) {
-            return;
-        }
-        const QSEntry *entry = QSDirectory::shared().entry(record.entryID);
-        openSession({.entry = entry ? std::optional(*entry) : std::nullopt,
-                     .title = record.title,
-                     .document = document,
-                     .saved = record,
-                     .status = u"Saved "_s + QSDate::stamp(record.modified)});
-    });
-}
-
 void AppModel::setFormValue(int id, const FormValue &value)
 {
     if (m_openPDF) {
@@ -446,54 +398,4 @@ void AppModel::dropForm()
     m_openPDF.reset();
     keepDrafts();
     Q_EMIT openPDFChanged();
-}
-
-// Filled PDFs
-
-std::optional<QList<QSFilledPDF>> AppModel::filledPDFs()
-{
-    std::optional<QList<QSFilledPDF>> found;
-    withStore([&found](QSStore &open) { found = open.filledPDFs(); });
-    return found;
-}
-
-void AppModel::deleteFilledPDF(const QSFilledPDF &record)
-{
-    if (askToDelete(record.title) &&
-        withStore([&record](QSStore &open) { open.deleteFilledPDF(record); }) && m_openPDF &&
-        m_openPDF->form().saved && m_openPDF->form().saved->id == record.id) {
-        m_openPDF->forgetSaved();
-        Q_EMIT formChanged();
-    }
-}
-
-void AppModel::exportFilledPDF(const QSFilledPDF &record, FormExport how)
-{
-    loadFilledPDF(record, [=, this](const std::shared_ptr<QSPDFDocument> &document) {
-        exportPDF(document, record.title, how);
-    });
-}
-
-void AppModel::printFilledPDF(const QSFilledPDF &record)
-{
-    loadFilledPDF(record, [=, this](const std::shared_ptr<QSPDFDocument> &document) {
-        printPDF(document, record.title);
-    });
-}
-
-QString AppModel::handOut(const QSFilledPDF &record)
-{
-    if (!m_handedOut) {
-        m_handedOut.emplace();
-    }
-    try {
-        const QString path =
-            m_handedOut->filePath(QSExport::safeFileName(record.title) + u".pdf"_s);
-        QSFile::write(path, QSFile::read(filledPath(record)));
-        return path;
-    } catch (const QSError &error) {
-        qWarning("%s", error.what());
-        setMessage(cannotOpenSaved);
-        return {};
-    }
 }
