@@ -13,6 +13,8 @@
 #include "help/QSHelp.h"
 
 #include <QApplication>
+#include <QDir>
+#include <QIcon>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -41,6 +43,9 @@ void configure()
 {
     VellThemes::setDefaultID(QSThemes::graphiteID);
     VellThemes::registerThemes(QSThemes::extras());
+    if (const std::optional<QDir> resources = QSInfo::resourceFolder()) {
+        QApplication::setWindowIcon(QIcon(resources->filePath(u"icons/quillstone.svg"_s)));
+    }
     if (VellThemeRoot::instance()) {
         VellThemeRoot::refresh();
     } else {

@@ -23,7 +23,7 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace {
 constexpr QSize contentSize(440, 380); ///< at 100 %
-constexpr int iconLines = 3;           ///< of text, as tall as the program's icon
+constexpr int iconLines = 4;           ///< of text, as tall as the program's icon
 
 QStringList lines;
 
@@ -75,10 +75,8 @@ private:
 
     static QWidget *createIcon(QWidget *content)
     {
-        auto *icon = new VxIconLabel(u"signature"_s, content);
-        QFont font = icon->font();
-        font.setPointSizeF(font.pointSizeF() * iconLines);
-        icon->setFont(font);
+        auto *icon = new VxIconLabel(content);
+        icon->setIcon(QApplication::windowIcon(), iconLines);
         return icon;
     }
 

@@ -16,19 +16,25 @@ VxIconLabel::VxIconLabel(const QString &symbol, QWidget *parent) : VxIconLabel(p
 
 void VxIconLabel::setSymbol(const QString &symbol, const QColor &colour)
 {
-    m_symbol = symbol;
-    m_colour = colour;
+    setIcon(VxIcon::named(symbol, colour), m_lines);
+}
+
+void VxIconLabel::setIcon(const QIcon &icon, int lines)
+{
+    m_icon = icon;
+    m_lines = lines;
+    updateGeometry();
     update();
 }
 
 QSize VxIconLabel::sizeHint() const
 {
-    const int em = fontMetrics().height();
-    return {em, em};
+    const int height = fontMetrics().height() * m_lines;
+    return {height, height};
 }
 
 void VxIconLabel::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);
-    VxIcon::named(m_symbol, m_colour).paint(&painter, rect());
+    m_icon.paint(&painter, rect());
 }
