@@ -1,10 +1,14 @@
 #include "QSTemplates.h"
+#include "TestFiles.h"
 #include "WindowFixture.h"
 #include "editor/FieldsPane.h"
 #include "editor/PaperPreview.h"
 
+#include <QDropEvent>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QMenu>
+#include <QMimeData>
 #include <QPlainTextEdit>
 #include <QScrollBar>
 #include <QTableView>
@@ -13,6 +17,7 @@
 using namespace Qt::Literals::StringLiterals;
 
 namespace {
+constexpr int save = 0;
 constexpr int dontSave = 1;
 constexpr int cancel = 2;
 } // namespace
@@ -156,6 +161,75 @@ private Q_SLOTS:
         QVERIFY(m_window->isVisible());
         m_desktop->answers = {dontSave};
         QVERIFY(m_window->close());
+        QCOMPARE(m_model->documents()->size(), 0);
+
+        QVERIFY(openWindow());
+        start(u"rent-receipt");
+        QTest::keyClicks(shown<FieldsPane>()->findChild<QLineEdit *>(), u"7"_s);
+        m_desktop->answers = {save};
+        QVERIFY(m_window->close());
+        QCOMPARE(m_model->documents()->size(), 1);
+    }
+
+    void aBackupDroppedOnTheWindowIsRestoredAfterTheQuestion()
+    {
+        m_model->setProfileValue(u"fullName"_s, u"Rosa"_s);
+        QVERIFY(m_model->saveProfile());
+        const QString backup = m_user->path(u"mine.qsbackup"_s);
+        m_desktop->savePaths = {backup};
+        m_model->backupNow();
+        QTRY_COMPARE(shownMessage(), u"Saved mine.qsbackup"_s);
+        m_model->setProfileValue(u"fullName"_s, u"Somebody else"_s);
+        QVERIFY(m_model->saveProfile());
+
+        drop(m_user->path(u"preferences.ini"_s)); // anything else is not taken
+        m_desktop->answers = {1};                 // Cancel
+        drop(backup);
+        QTRY_COMPARE(m_desktop->questions.size(), 1);
+        QCOMPARE(m_model->profile().value(u"fullName"_s), u"Somebody else"_s);
+        m_desktop->answers = {0}; // Restore
+        drop(backup);
+        QTRY_COMPARE(shownMessage(), u"Restored from mine.qsbackup"_s);
+        QCOMPARE(m_model->profile().value(u"fullName"_s), u"Rosa"_s);
+    }
+
+    void theWindowComesBackAsItWasLeft()
+    {
+        QCOMPARE(m_model->screen(), Screen::finder); // the first time
+        m_window->resize(m_window->size() + QSize(40, 30));
+        const QSize size = m_window->size();
+        press(Qt::Key_7, Qt::ControlModifier);
+        QVERIFY(m_window->close());
+        QVERIFY(restart());
+        QCOMPARE(m_window->size(), size);
+        QCOMPARE(m_model->screen(), Screen::legalAid);
+        QCOMPARE(named<QListWidget>(u"Screens"_s)->currentItem()->text(), u"Legal Aid & Help"_s);
+    }
+
+    void savedCopiesHaveAMenuAndCanBeDraggedOut()
+    {
+        const QByteArray pdf = "%PDF-1.7\n%%EOF\n";
+        QSStore::shared()->saveFilledPDF(u"co-x"_s, u"My petition: 2"_s, pdf);
+        press(Qt::Key_4, Qt::ControlModifier);
+        auto *table = named<QTableView>(u"Filled official PDFs"_s);
+        const std::unique_ptr<QMimeData> dragged(
+            table->model()->mimeData({table->model()->index(0, 0)}));
+        QCOMPARE(dragged->urls().size(), 1);
+        const QString path = dragged->urls().constFirst().toLocalFile();
+        QCOMPARE(QFileInfo(path).fileName(), u"My petition- 2.pdf"_s);
+        QCOMPARE(contents(path), pdf);
+
+        Q_EMIT table->customContextMenuRequested(table->visualRect(table->currentIndex()).center());
+        auto *menu = qobject_cast<QMenu *>(QApplication::activePopupWidget());
+        QVERIFY(menu);
+        m_desktop->answers = {1}; // Delete
+        for (QAction *action : menu->actions()) {
+            if (action->text() == u"Delete"_s) {
+                action->trigger();
+            }
+        }
+        menu->close();
+        QCOMPARE(table->model()->rowCount(), 0);
     }
 
     void theSidebarStaysWhereTheUserStays()
@@ -269,6 +343,18 @@ private Q_SLOTS:
     }
 
 private:
+    /// Lets a file fall on the window from another program.
+    void drop(const QString &path)
+    {
+        QMimeData dragged;
+        dragged.setUrls({QUrl::fromLocalFile(path)});
+        const QPointF middle = m_window->rect().center();
+        QDragEnterEvent enter(middle.toPoint(), Qt::CopyAction, &dragged, Qt::LeftButton, {});
+        QApplication::sendEvent(m_window.get(), &enter);
+        QDropEvent event(middle, Qt::CopyAction, &dragged, Qt::LeftButton, {});
+        QApplication::sendEvent(m_window.get(), &event);
+    }
+
     void start(QStringView templateID)
     {
         m_model->newDocument(*QSTemplates::templateById(templateID));
