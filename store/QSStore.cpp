@@ -1,5 +1,6 @@
 #include "QSStore.h"
 
+#include "QSClock.h"
 #include "QSDatabaseFile.h"
 #include "QSError.h"
 #include "QSFile.h"
@@ -233,7 +234,7 @@ QSDocument QSStore::save(const QSDocument &document)
             u"The template %1 is not in this version of the app."_s.arg(draft.templateID));
     }
     draft.templateVersion = form->version;
-    draft.modified = QDateTime::currentDateTimeUtc();
+    draft.modified = QSClock::now();
 
     QSDocument saved;
     bool indexing = false;
@@ -301,7 +302,7 @@ QSFilledPDF QSStore::saveFilledPDF(const QString &entryID, const QString &title,
         throw QSError::invalid(u"That is not a PDF."_s);
     }
     finishRestore(); // later it would put its file over this newer one
-    const QDateTime now = QDateTime::currentDateTimeUtc();
+    const QDateTime now = QSClock::now();
     QSFilledPDF record =
         replacing ? replaceFilledPDF(*replacing, title, data, now)
                   : insertFilledPDF(

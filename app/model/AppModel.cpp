@@ -1,5 +1,6 @@
 #include "AppModel.h"
 
+#include "QSClock.h"
 #include "QSDesktop.h"
 #include "QSDirectory.h"
 #include "QSFile.h"
@@ -148,7 +149,7 @@ void AppModel::newDocument(const QSTemplate &source)
     document.title = source.title;
     document.values = source.profileValues(known);
     document.state = QSStates::code(QSProfile::value(u"state", known)).value_or(m_state);
-    document.created = QDateTime::currentDateTimeUtc();
+    document.created = QSClock::now();
     document.modified = document.created;
     selectTemplate(source.id);
     openSession(document);

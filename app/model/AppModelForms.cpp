@@ -1,5 +1,6 @@
 #include "AppModel.h"
 
+#include "QSClock.h"
 #include "QSDate.h"
 #include "QSDesktop.h"
 #include "QSDirectory.h"
@@ -24,7 +25,7 @@ struct Fetched
 Fetched fetchForm(const QSEntry &entry, const std::stop_token &stop)
 {
     Fetched form;
-    form.copy = QSCache::obtain(entry, false, QDateTime::currentDateTimeUtc(), stop);
+    form.copy = QSCache::obtain(entry, false, QSClock::now(), stop);
     if (entry.kind == QSKind::pdf) {
         try {
             form.document = QSPDFDocument::open(QSFile::read(form.copy.file));
@@ -138,7 +139,7 @@ void AppModel::recheck(const QSEntry &entry)
     runBusy<QString>(
         u"Checking the official site for a newer version\u2026"_s, stop,
         [entry, stop](const AsyncTask::Progress &) {
-            const QDateTime now = QDateTime::currentDateTimeUtc();
+            const QDateTime now = QSClock::now();
             return QSCache::obtain(entry, true, now, stop.get_token()).message;
         },
         [this, stop](const AsyncTask::Outcome<QString> &checked) {
@@ -197,12 +198,12 @@ std::optional<QSLinkCheck> AppModel::lastLinkCheck(const QSEntry &entry)
 
 QSStatus::S AppModel::linkStatus(const QSEntry &entry)
 {
-    return QSStatus::link(entry, lastLinkCheck(entry), QDateTime::currentDateTimeUtc());
+    return QSStatus::link(entry, lastLinkCheck(entry), QSClock::now());
 }
 
 QSStatus::Checked AppModel::lastChecked(const QSEntry &entry)
 {
-    return QSStatus::lastChecked(entry, lastLinkCheck(entry), QDateTime::currentDateTimeUtc());
+    return QSStatus::lastChecked(entry, lastLinkCheck(entry), QSClock::now());
 }
 
 // All links
@@ -245,7 +246,7 @@ void AppModel::stopChecking()
 
 void AppModel::linksChecked(const QList<QSLinkChecker::Check> &checks)
 {
-    const QDateTime now = QDateTime::currentDateTimeUtc();
+    const QDateTime now = QSClock::now();
     if (store()) {
         withStore([&](QSStore &open) {
             open.db().transaction([&] {

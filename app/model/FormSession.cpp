@@ -1,5 +1,6 @@
 #include "FormSession.h"
 
+#include "QSClock.h"
 #include "QSDate.h"
 
 using namespace Qt::Literals::StringLiterals;
@@ -20,7 +21,7 @@ QString FormSession::titleToSave() const
 {
     return m_form.saved
                ? m_form.saved->title
-               : u"%1 (filled %2)"_s.arg(m_form.title, QSDate::longFormat(QDate::currentDate()));
+               : u"%1 (filled %2)"_s.arg(m_form.title, QSDate::longFormat(QSClock::today()));
 }
 
 void FormSession::saved(const QSFilledPDF &record, const QList<FormValue> &values)

@@ -1,5 +1,6 @@
 #include "QSSetup.h"
 
+#include "QSClock.h"
 #include "QSDate.h"
 #include "QSDirectory.h"
 #include "QSError.h"
@@ -71,8 +72,7 @@ std::optional<QString> openStore()
             u"Your documents database could not be opened (%1). It was left untouched at %2."_s.arg(
                 error.description(), url.toLocalFile());
     }
-    const QString beside =
-        u"Quillstone (opened %1).sqlite"_s.arg(QSDate::iso(QDate::currentDate()));
+    const QString beside = u"Quillstone (opened %1).sqlite"_s.arg(QSDate::iso(QSClock::today()));
     try {
         open(QUrl::fromLocalFile(QSInfo::dataFolder().filePath(beside)));
         return problem + u" A new empty database was opened instead; a backup can be restored "_s

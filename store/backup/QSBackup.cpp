@@ -1,6 +1,7 @@
 #include "QSBackup.h"
 
 #include "BackupJSON.h"
+#include "QSClock.h"
 #include "QSDate.h"
 #include "QSDisk.h"
 #include "QSError.h"
@@ -215,7 +216,7 @@ private:
 
 QString QSBackup::suggestedName()
 {
-    return u"Vell Quillstone Backup %1.%2"_s.arg(QSDate::iso(QDate::currentDate()), fileExtension);
+    return u"Vell Quillstone Backup %1.%2"_s.arg(QSDate::iso(QSClock::today()), fileExtension);
 }
 
 QSBackup::File QSBackup::contents(QSStore &store)
@@ -223,7 +224,7 @@ QSBackup::File QSBackup::contents(QSStore &store)
     store.finishRestore(); // or files of the state before it would go with its records
     File file{.format = format,
               .version = formatVersion,
-              .created = QDateTime::currentDateTimeUtc().toString(Qt::ISODate),
+              .created = QSClock::now().toString(Qt::ISODate),
               .app = QSInfo::appName + u' ' + QSInfo::version(),
               .profile = store.profile(),
               .documents = {},

@@ -1,5 +1,6 @@
 #include "VellAbout.h"
 
+#include "QSClock.h"
 #include "QSInfo.h"
 #include "VellThemeRoot.h"
 #include "VxButton.h"
@@ -129,7 +130,7 @@ QString version()
 
 QString copyrightLine()
 {
-    return u"\u00A9 %1 %2"_s.arg(QDate::currentDate().year()).arg(maker);
+    return u"\u00A9 %1 %2"_s.arg(QSClock::today().year()).arg(maker);
 }
 
 void show(const QWidget *over)

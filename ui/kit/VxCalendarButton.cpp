@@ -1,5 +1,6 @@
 #include "VxCalendarButton.h"
 
+#include "QSClock.h"
 #include "VxIcon.h"
 
 #include <QCalendarWidget>
@@ -30,7 +31,7 @@ void VxCalendarButton::openCalendar()
     for (const Qt::DayOfWeek day : {Qt::Saturday, Qt::Sunday}) { // red is hard to read on dark
         calendar->setWeekdayTextFormat(day, QTextCharFormat());
     }
-    calendar->setSelectedDate(m_date.isValid() ? m_date : QDate::currentDate());
+    calendar->setSelectedDate(m_date.isValid() ? m_date : QSClock::today());
     auto *action = new QWidgetAction(&menu);
     action->setDefaultWidget(calendar);
     menu.addAction(action);

@@ -76,7 +76,8 @@ LegalAidView::LegalAidView(AppModel &model, QWidget *parent)
     auto *content = new QWidget(this);
     content->setProperty("clear", true);
     m_column = new QVBoxLayout(content);
-    m_column->setContentsMargins({});
+    const int gap = fontMetrics().height() / 3; // off the ring of the focus
+    m_column->setContentsMargins(gap, gap, gap, gap);
     m_column->setSpacing(fontMetrics().height() * 3 / 4);
     m_column->addWidget(createEmergency());
     m_column->addWidget(m_introduction);

@@ -73,7 +73,8 @@ SettingsView::SettingsView(AppModel &model, QWidget *parent) : QScrollArea(paren
     auto *content = new QWidget(this);
     content->setProperty("clear", true);
     m_column = new QVBoxLayout(content);
-    m_column->setContentsMargins({});
+    const int gap = fontMetrics().height() / 3; // off the ring of the focus
+    m_column->setContentsMargins(gap, gap, gap, gap);
     m_column->setSpacing(fontMetrics().height());
     createBackup();
     createPlaces();
