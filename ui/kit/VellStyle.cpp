@@ -221,7 +221,7 @@ QString styleSheet(const VellTheme &theme, const QFont &font)
 
 void apply(QApplication &application, const VellTheme &theme)
 {
-    if (!qobject_cast<QProxyStyle *>(application.style())) { // the application takes it
+    if (application.styleSheet().isEmpty()) { // for good: the application takes it
         QApplication::setStyle(std::make_unique<LineHighStyle>().release());
     }
     QApplication::setPalette(palette(theme));

@@ -4,8 +4,13 @@
 #include "VxScale.h"
 #include "VxZoom.h"
 
+#include <QAbstractScrollArea>
 #include <QApplication>
-#include <QWidget>
+#include <QEvent>
+#include <QSet>
+
+#include <memory>
+#include <utility>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -18,6 +23,41 @@ QFont typeface(QFont font)
     font.setFamilies({u"Inter"_s, font.family()});
     return font;
 }
+
+/// While it lives, no list, table or other scrolled widget lays itself out anew for another style:
+/// each would do so several times, for texts whose style is still to come. They do it afterwards,
+/// once; those that nobody sees when the others have been painted.
+class LayoutOnce final : public QObject
+{
+public:
+    LayoutOnce() { qApp->installEventFilter(this); }
+    ~LayoutOnce() override
+    {
+        qApp->removeEventFilter(this);
+        for (QAbstractScrollArea *area : std::as_const(m_areas)) {
+            QCoreApplication::postEvent(
+                area, std::make_unique<QEvent>(QEvent::StyleChange).release(),
+                area->isVisible() ? Qt::NormalEventPriority : afterPainting);
+        }
+    }
+    Q_DISABLE_COPY_MOVE(LayoutOnce)
+
+    bool eventFilter(QObject *watched, QEvent *event) override
+    {
+        auto *area = event->type() == QEvent::StyleChange
+                         ? qobject_cast<QAbstractScrollArea *>(watched)
+                         : nullptr;
+        if (area) {
+            m_areas.insert(area);
+        }
+        return area;
+    }
+
+private:
+    static constexpr int afterPainting = Qt::LowEventPriority - 1;
+
+    QSet<QAbstractScrollArea *> m_areas;
+};
 } // namespace
 
 VellThemeRoot::VellThemeRoot(QApplication &application)
@@ -72,7 +112,10 @@ void VellThemeRoot::show(const VellTheme &theme, double zoom)
     }
     m_theme = theme;
     m_zoom = zoom;
-    VellStyle::apply(m_application, theme);
+    {
+        const LayoutOnce once;
+        VellStyle::apply(m_application, theme);
+    }
     for (QWidget *window : windows) {
         window->setUpdatesEnabled(true);
     }

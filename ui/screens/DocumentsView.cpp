@@ -27,6 +27,7 @@ DocumentsView::DocumentsView(AppModel &model, QWidget *parent)
     connectDocuments();
     connectFilledPDFs();
     connect(&m_model, &AppModel::revisionChanged, this, [this] {
+        m_outdated = true;
         if (isVisible()) {
             reload();
         }
@@ -77,7 +78,9 @@ void DocumentsView::connectFilledPDFs()
 void DocumentsView::showEvent(QShowEvent *event)
 {
     QWidget::showEvent(event);
-    reload();
+    if (m_outdated) {
+        reload();
+    }
 }
 
 void DocumentsView::reload()
@@ -93,6 +96,7 @@ void DocumentsView::reload()
         filled ? u"No filled PDFs yet. Open a fillable official form, fill it in, and choose Save "
                  "Filled Copy."_s
                : u"Your filled PDFs could not be read."_s);
+    m_outdated = !documents || !filled;
     for (RecordList *list : {m_documentList, m_filledList}) { // an empty one leaves its room
         m_column->setStretchFactor(list, list->isEmpty() ? 0 : 1);
     }

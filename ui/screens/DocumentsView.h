@@ -10,8 +10,8 @@ class QVBoxLayout;
 class RecordList;
 
 /// My Documents: the saved documents, the filled copies of official forms, and what can be done
-/// with the selected one of each. The lists are read from the store when they are shown, and again
-/// after each change while they are.
+/// with the selected one of each. The lists are read from the store when they are first shown, and
+/// again after a change, as soon as they are seen.
 class DocumentsView final : public QWidget
 {
     Q_OBJECT
@@ -33,4 +33,5 @@ private:
     RecordList *m_documentList;
     RecordList *m_filledList;
     QVBoxLayout *m_column;
+    bool m_outdated = true; ///< the lists are not what the store has
 };

@@ -12,9 +12,13 @@
 #include <QScrollBar>
 #include <QVBoxLayout>
 
+#include <algorithm>
+
 using namespace Qt::Literals::StringLiterals;
 
 namespace {
+constexpr std::chrono::milliseconds untilOthers{150};
+
 /// "Official form (Colorado)", "Vell template" or "Document".
 QString describe(const QSSearchHit &hit)
 {
@@ -57,6 +61,9 @@ public:
 
     void setHit(const QSSearchHit &hit)
     {
+        if (hit == m_hit) {
+            return;
+        }
         m_hit = hit;
         const QString kind = describe(hit);
         m_title->setText(hit.title);
@@ -88,12 +95,15 @@ SearchView::SearchView(AppModel &model, QWidget *parent) : QScrollArea(parent), 
     m_column->addWidget(m_nothing);
     m_column->addStretch();
     setWidget(content);
-    connect(&m_model, &AppModel::searchChanged, this, [this] {
+    m_others.setSingleShot(true);
+    m_others.setInterval(untilOthers);
+    connect(&m_others, &QTimer::timeout, this, [this] { showHits(m_hits.size()); });
+    connect(&m_model, &AppModel::searchChanged, this, &SearchView::showNewHits);
+    connect(&m_model, &AppModel::revisionChanged, this, [this] { // all: the keyboard may be on any
         reload();
-        verticalScrollBar()->setValue(0);
+        showHits(m_hits.size());
     });
-    connect(&m_model, &AppModel::revisionChanged, this, &SearchView::reload);
-    reload();
+    showNewHits();
 }
 
 HitRow *SearchView::row(int index)
@@ -114,18 +124,31 @@ void SearchView::reload()
     if (m_model.search().trimmed().isEmpty()) {
         return;
     }
-    const QList<QSSearchHit> hits = m_model.hits();
-    const int count = static_cast<int>(hits.size());
+    m_hits = m_model.hits();
+    m_nothing->setText(u"Nothing found for \"%1\""_s.arg(m_model.search()));
+    m_nothing->setVisible(m_hits.isEmpty());
+}
+
+void SearchView::showNewHits()
+{
+    reload();
+    const int smallestRow = fontMetrics().height() * 5;
+    showHits(window()->height() / smallestRow + 1);
+    verticalScrollBar()->setValue(0);
+    m_others.start();
+}
+
+void SearchView::showHits(qsizetype most)
+{
+    const int count = static_cast<int>(std::min(most, m_hits.size()));
     widget()->setUpdatesEnabled(false);
     for (int i = 0; i < count; ++i) {
-        row(i)->setHit(hits.at(i));
+        row(i)->setHit(m_hits.at(i));
         row(i)->show();
     }
     for (int i = count; i < m_rows.size(); ++i) {
         m_rows.at(i)->hide();
     }
-    m_nothing->setText(u"Nothing found for \"%1\""_s.arg(m_model.search()));
-    m_nothing->setVisible(hits.isEmpty());
     widget()->setUpdatesEnabled(true);
 }
 

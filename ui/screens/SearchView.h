@@ -3,6 +3,7 @@
 #include "QSStore.h"
 
 #include <QScrollArea>
+#include <QTimer>
 
 class AppModel;
 class HitRow;
@@ -10,6 +11,8 @@ class QLabel;
 class QVBoxLayout;
 
 /// What the search found, best first, each hit with what it is and the button that goes to it.
+/// While somebody types, only as many are shown as a window has room for; the others follow after
+/// the last letter.
 class SearchView final : public QScrollArea
 {
     Q_OBJECT
@@ -22,10 +25,15 @@ public:
 
 private:
     void reload();
+    void showNewHits();
+    /// Shows the first so many hits, or all that there are.
+    void showHits(qsizetype most);
     [[nodiscard]] HitRow *row(int index);
 
     AppModel &m_model;
     QVBoxLayout *m_column;
     QLabel *m_nothing;
+    QList<QSSearchHit> m_hits;
+    QTimer m_others;        ///< until those are shown that a window has no room for
     QList<HitRow *> m_rows; ///< made as needed and used again for the next results
 };
