@@ -1,20 +1,21 @@
 #pragma once
 
 #include "PaintWatch.h"
+#include "Resident.h"
 
 #include <QTimer>
 
 #include <unistd.h>
 
-/// What the measured programs of bench_start have in common: they say when they have painted.
+/// What the programs whose start is measured have in common: they say when they have painted.
 namespace FirstPaint {
-/// Writes one byte to the file descriptor that the first argument names as soon as any window has
-/// painted, and ends the program then.
+/// As soon as any window has painted, writes the kilobytes in memory, a line, to the file
+/// descriptor that the first argument names, and ends the program.
 inline void reportAndEnd(PaintWatch &application)
 {
     const int descriptor = QApplication::arguments().value(1).toInt();
     application.whenPainted(nullptr, [&application, descriptor] {
-        if (::write(descriptor, "p", 1) != 1) {
+        if (::dprintf(descriptor, "%ld\n", Resident::kilobytes()) <= 0) {
             ::_exit(1);
         }
         QTimer::singleShot(0, &application, &QApplication::quit);

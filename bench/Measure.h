@@ -26,6 +26,12 @@ class Series final
 {
 public:
     void add(double figure) { m_figures.push_back(figure); }
+    void add(const Series &figures)
+    {
+        m_figures.insert(m_figures.end(), figures.m_figures.begin(), figures.m_figures.end());
+    }
+    /// The one added last. Not for an empty series.
+    [[nodiscard]] double last() const { return m_figures.back(); }
     [[nodiscard]] double median() const { return percentile(50); }
     /// The smallest figure that at least so many percent of all don't exceed. Not for an empty
     /// series.

@@ -179,6 +179,16 @@ QSRendered Samples::pages(int count)
     }
 }
 
+const QStringList &Samples::searches()
+{
+    static const QStringList typed = {
+        u"rent receipt maple"_s,      u"security deposit"_s,       u"harper lease denver"_s,
+        u"power of attorney"_s,       u"notice to vacate tampa"_s, u"promissory note interest"_s,
+        u"operating agreement llc"_s, u"vehicle okafor 2027-03"_s, u"small claims"_s,
+        u"witness signature austin"_s};
+    return typed;
+}
+
 void Samples::fill(QSStore &store, int count)
 {
     // One transaction for all of them; QSStore::save() makes one for each.

@@ -34,6 +34,8 @@ public:
     /// A document of exactly so many pages, put together from the texts of filled templates.
     [[nodiscard]] QSRendered pages(int count);
 
+    /// What people type into the search field.
+    [[nodiscard]] static const QStringList &searches();
     /// Adds that many documents to the store, of all templates in turn, and fills its index anew.
     void fill(QSStore &store, int count);
 

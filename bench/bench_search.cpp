@@ -17,12 +17,6 @@ namespace {
 constexpr int turns = 5;
 constexpr int limit = 60;
 
-const QStringList typed = {
-    u"rent receipt maple"_s,      u"security deposit"_s,       u"harper lease denver"_s,
-    u"power of attorney"_s,       u"notice to vacate tampa"_s, u"promissory note interest"_s,
-    u"operating agreement llc"_s, u"vehicle okafor 2027-03"_s, u"small claims"_s,
-    u"witness signature austin"_s};
-
 struct Finalizer
 {
     void operator()(sqlite3_stmt *search) const { peer_finalize(search); }
@@ -55,7 +49,7 @@ int main(int argc, char *argv[])
 
     Measure::Series ours;
     Measure::Series peers;
-    for (const QString &query : typed) {
+    for (const QString &query : Samples::searches()) {
         for (qsizetype letters = 1; letters <= query.size(); ++letters) {
             const QString text = query.first(letters);
             const Search search(

@@ -119,7 +119,7 @@ double compare(const std::string &path, double wanted, bool cold)
     };
     Measure::Series memory;
     const auto window = [&] {
-        const Start figures = run("bench_window");
+        const Start figures = run("bench_program");
         memory.add(figures.megabytes);
         return figures.milliseconds;
     };
