@@ -110,12 +110,8 @@ MainWindow::~MainWindow() = default;
 void MainWindow::addPage(QWidget *page)
 {
     m_pages->addWidget(page);
-    // Tab reaches the footer after every page
-    QWidget *last = previousInFocusChain();
-    while (!(last->focusPolicy() & Qt::TabFocus)) { // Qt passes over the others in setTabOrder()
-        last = last->previousInFocusChain();
-    }
-    setTabOrder(last, m_disclaimer);
+    // Tab reaches the message and the footer after every page
+    setTabOrder(m_message->followInTabOrder(VxWindow::lastTabStop(this)), m_disclaimer);
 }
 
 QWidget *MainWindow::screenPage()

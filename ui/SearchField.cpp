@@ -1,7 +1,7 @@
 #include "SearchField.h"
 
 #include "AppModel.h"
-#include "VxIcon.h"
+#include "VxSearch.h"
 
 #include <QKeyEvent>
 
@@ -12,8 +12,7 @@ SearchField::SearchField(AppModel &model, QWidget *parent) : QLineEdit(parent)
     const QString prompt = u"Search forms and templates"_s;
     setPlaceholderText(prompt);
     setAccessibleName(prompt);
-    setClearButtonEnabled(true);
-    addAction(VxIcon::named(u"magnifyingglass"_s), QLineEdit::LeadingPosition);
+    VxSearch::dress(this);
     connect(this, &QLineEdit::textChanged, &model, &AppModel::setSearch);
     connect(&model, &AppModel::searchChanged, this, [this, &model] {
         if (text() != model.search()) {

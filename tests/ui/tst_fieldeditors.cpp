@@ -130,8 +130,9 @@ private Q_SLOTS:
         for (int kind = 0; kind < static_cast<int>(fieldKindWords.size()); ++kind) {
             QWidget parent;
             FieldEditor *editor = FieldEditor::make(field(static_cast<QSFieldKind>(kind)), &parent);
-            QCOMPARE(editor->focusProxy()->accessibleName(), u"Label, required"_s);
-            QCOMPARE(editor->focusProxy()->accessibleDescription(), u"Fills from My Profile."_s);
+            QCOMPARE(editor->controls().constFirst()->accessibleName(), u"Label, required"_s);
+            QCOMPARE(editor->controls().constFirst()->accessibleDescription(),
+                     u"Fills from My Profile."_s);
         }
     }
 
@@ -143,7 +144,7 @@ private Q_SLOTS:
         next->move(0, 400);
         parent.show();
         QVERIFY(QTest::qWaitForWindowActive(&parent));
-        editor->setFocus();
+        editor->controls().constFirst()->setFocus();
         QTest::keyClick(editor->findChild<QPlainTextEdit *>(), Qt::Key_Tab);
         QVERIFY(next->hasFocus());
         QCOMPARE(editor->value(), QString());

@@ -149,10 +149,10 @@ private Q_SLOTS:
         QCOMPARE(VxZoom::value(), 1.15);
         press(Qt::Key_Escape);
         QVERIFY(search->text().isEmpty());
-        m_window->resize(950, 640);
+        m_window->resize(780, 640);
         press(Qt::Key_Escape);
         QVERIFY(!m_window->isVisible());
-        QCOMPARE(VellHelpWindow().size(), QSize(950, 640));
+        QCOMPARE(VellHelpWindow().size(), QSize(780, 640));
     }
 };
 

@@ -81,6 +81,7 @@ QWidget *DocumentEditor::createCommands()
     QPushButton *formats = add(u"Export"_s, u"square.and.arrow.up"_s);
     QPushButton *print = add(u"Print\u2026"_s, u"printer.fill"_s);
     QPushButton *close = add(u"Close"_s, u"xmark"_s);
+    setTabOrder(close, m_name); // the fields follow the name
 
     connect(fill, &QPushButton::clicked, &m_model, &AppModel::fillFromProfile);
     connect(save, &QPushButton::clicked, &m_model, &AppModel::saveEdited);

@@ -64,7 +64,6 @@ QWidget *FieldEditor::createLabelRow()
 void FieldEditor::setControl(QWidget *control)
 {
     m_label->setBuddy(control);
-    setFocusProxy(control);
     QString name = m_field.label;
     if (m_field.required) {
         name += u", required"_s;

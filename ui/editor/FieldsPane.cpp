@@ -74,7 +74,7 @@ void FieldsPane::focusFirst(const QSValues &values)
         return values.value(editor->field().key).isEmpty();
     });
     FieldEditor *first = empty == m_editors.end() ? m_editors.constFirst() : *empty;
-    first->setFocus();
+    first->controls().constFirst()->setFocus();
     // once the pane has its size
     QMetaObject::invokeMethod(
         first, [this, first] { ensureWidgetVisible(first); }, Qt::QueuedConnection);

@@ -121,7 +121,7 @@ void PaperPreview::paintEvent(QPaintEvent *event)
         }
     }
     if (hasFocus()) {
-        painter.setPen(QPen(palette().highlight(), 2));
+        painter.setPen(QPen(palette().link(), 2));
         painter.setBrush(Qt::NoBrush);
         painter.drawRect(viewport()->rect().adjusted(1, 1, -1, -1));
     }

@@ -75,6 +75,9 @@ void FormWindow::createWindow()
     column->addWidget(m_message);
     column->addWidget(createFooter());
     setCentralWidget(new VxZoomHost(centre, {34, 24}, this));
+    setTabOrder(VxWindow::lastTabStop(this), m_pages);
+    setTabOrder(m_pages, m_view);
+    m_message->followInTabOrder(m_view);
     resize(QSize(em * 64, em * 50).boundedTo(screen()->availableGeometry().size() * 9 / 10));
     VxMemory::keepSplitter(split, u"qs.form.splitter"_s);
     VxMemory::keepGeometry(this, u"qs.form.geometry"_s);

@@ -1,7 +1,7 @@
 #include "VellHelpViewer.h"
 
-#include "VxIcon.h"
 #include "VxMemory.h"
+#include "VxSearch.h"
 #include "VxText.h"
 
 #include <QLabel>
@@ -75,8 +75,7 @@ QWidget *VellHelpViewer::createTopics()
     const int em = fontMetrics().height();
     m_search->setPlaceholderText(u"Search the help"_s);
     m_search->setAccessibleName(u"Search the help"_s);
-    m_search->setClearButtonEnabled(true);
-    m_search->addAction(VxIcon::named(u"magnifyingglass"_s), QLineEdit::LeadingPosition);
+    VxSearch::dress(m_search);
     m_list->setAccessibleName(u"Help topics"_s);
     m_list->setWordWrap(true);
     m_list->setItemDelegate(new WrappingTitles(m_list));

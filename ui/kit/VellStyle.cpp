@@ -37,7 +37,7 @@ QPushButton:hover, QToolButton[button="true"]:hover { border-color: TEXT; }
 QPushButton:pressed, QToolButton[button="true"]:pressed { background: PANELBOTTOM; }
 QPushButton:disabled, QToolButton[button="true"]:disabled { color: FAINT; border-color: EDGE; }
 /* the ring of the focus takes its room from the margin, so that nothing moves */
-QPushButton:focus, QToolButton[button="true"]:focus { border: 2px solid ACCENT; margin: 0; }
+QPushButton:focus, QToolButton[button="true"]:focus { border: 2px solid RING; margin: 0; }
 QPushButton[primary="true"] { background: ACCENT; color: ONACCENT; border: 1px solid ACCENT;
   font-weight: 600; }
 QPushButton[primary="true"]:hover { border-color: TEXT; }
@@ -46,13 +46,18 @@ QPushButton[primary="true"]:disabled { background: PANELBOTTOM; color: FAINT; bo
 QPushButton::menu-indicator { image: url(ICONS/chevron-down-light.svg); width: 0.7em; height: 0.7em;
   subcontrol-position: right center; right: 0.6em; }
 QPushButton[menu="true"] { padding-right: 2em; }
+QToolButton[autoRaise="true"] { background: transparent; border: 2px solid transparent;
+  border-radius: 0.4em; padding: 0.1em; }
+QToolButton[autoRaise="true"]:hover { border-color: LINE; }
+QToolButton[autoRaise="true"]:checked, QToolButton[autoRaise="true"]:pressed { background: SELECTED; }
+QToolButton[autoRaise="true"]:focus { border-color: RING; }
 
 QLineEdit, QPlainTextEdit, QTextEdit, QComboBox {
   background: INSET; color: TEXT; border: 1px solid LINE; margin: 1px; border-radius: 0.4em;
   padding: 0.35em;
   selection-background-color: ACCENT; selection-color: ONACCENT; }
 QLineEdit:focus, QPlainTextEdit:focus, QTextEdit:focus, QComboBox:focus {
-  border: 2px solid ACCENT; margin: 0; }
+  border: 2px solid RING; margin: 0; }
 QComboBox::drop-down { border: none; width: 1.6em; }
 QComboBox::down-arrow { image: url(ICONS/chevron-down-light.svg); width: 0.7em; height: 0.7em; }
 QComboBox QAbstractItemView { background: PANELBOTTOM; color: TEXT; border: 1px solid LINE;
@@ -60,7 +65,7 @@ QComboBox QAbstractItemView { background: PANELBOTTOM; color: TEXT; border: 1px 
 
 QListView, QTableView { background: INSET; color: TEXT; border: 1px solid EDGE;
   border-radius: 0.6em; outline: none; }
-QListView:focus, QTableView:focus { border: 2px solid ACCENT; }
+QListView:focus, QTableView:focus { border: 2px solid RING; }
 QListView::item { padding: 0.45em 0.6em; border: none; }
 QListView::item:hover { background: EDGE; }
 QListView::item:selected, QTableView::item:selected { background: ACCENT; color: ONACCENT; }
@@ -77,14 +82,14 @@ QListView#sidebar::item { border: 2px solid transparent; border-left: 0.3em soli
   border-radius: 0.5em; padding: 0.5em; }
 QListView#sidebar::item:selected { background: SELECTED; color: TEXT;
   border-left: 0.3em solid ACCENT; }
-QListView#sidebar::item:selected:focus { border: 2px solid ACCENT; border-left: 0.3em solid ACCENT; }
+QListView#sidebar::item:selected:focus { border: 2px solid RING; border-left: 0.3em solid RING; }
 QFrame#rail { background: qlineargradient(x1:0, y1:0, x2:0, y2:1, stop:0 PANELTOP,
   stop:1 PANELBOTTOM); border: none; border-right: 1px solid EDGE; }
 QFrame#footer { background: PANELBOTTOM; border: none; border-top: 1px solid EDGE; }
 QFrame#message { background: PANELBOTTOM; border: 1px solid ACCENT; border-radius: 0.5em; }
 
 QScrollArea { background: transparent; border: 2px solid transparent; border-radius: 0.6em; }
-QScrollArea:focus { border-color: ACCENT; }
+QScrollArea:focus { border-color: RING; }
 QScrollArea#host { border: none; }
 QScrollArea > QWidget > QWidget[clear="true"] { background: transparent; }
 QScrollBar:vertical { background: transparent; width: 0.9em; margin: 0; }
@@ -147,15 +152,67 @@ public:
     }
 };
 
+using RGB = VellTheme::RGB;
+
+constexpr double bodyContrast = 7.1; // a little more than is asked for: colours are rounded
+constexpr double secondaryContrast = 4.6;
+constexpr double lineContrast = 3.1; ///< of what is no text
+
 /// A colour of the way from one to another.
-QColor between(VellTheme::RGB from, VellTheme::RGB to, double share)
+RGB between(RGB from, RGB to, double share)
 {
     const auto mix = [share](double a, double b) { return a + (b - a) * share; };
-    VellTheme::RGB mixed;
+    RGB mixed;
     mixed.r = mix(from.r, to.r);
     mixed.g = mix(from.g, to.g);
     mixed.b = mix(from.b, to.b);
-    return mixed.color();
+    return mixed;
+}
+
+/// How far to go from one colour to another, at most that far, for a colour that fits; 0 where
+/// none does.
+template <typename Fits>
+double farthest(RGB from, RGB to, double most, Fits fits)
+{
+    constexpr double step = 0.01;
+    double share = most;
+    while (share > 0 && !fits(between(from, to, share))) {
+        share -= step;
+    }
+    return qMax(share, 0.0);
+}
+
+/// Where a panel's gradient begins: at the theme's own colour, or as near to it as texts stay
+/// readable.
+RGB raised(const VellTheme &theme)
+{
+    const auto carriesText = [&theme](RGB colour) {
+        return VellTheme::contrast(theme.text, colour) >= bodyContrast &&
+               VellTheme::contrast(theme.dim, colour) >= secondaryContrast;
+    };
+    return between(theme.panelBottom, theme.panelTop,
+                   farthest(theme.panelBottom, theme.panelTop, 1, carriesText));
+}
+
+/// What lies over the panel under the chosen screen's name.
+QColor selected(const VellTheme &theme)
+{
+    constexpr double strongest = 0.28;
+    return theme.accent.color(
+        farthest(raised(theme), theme.accent, strongest, [&theme](RGB colour) {
+            return VellTheme::contrast(theme.text, colour) >= bodyContrast;
+        }));
+}
+
+/// The focus ring: the accent, or paler so that it is seen on panels and on the window.
+RGB ring(const VellTheme &theme)
+{
+    const RGB panel = raised(theme);
+    const auto isSeen = [&theme, panel](RGB colour) {
+        return VellTheme::contrast(colour, panel) >= lineContrast &&
+               VellTheme::contrast(colour, theme.bg) >= lineContrast;
+    };
+    return between(theme.text, theme.accent, farthest(theme.text, theme.accent, 1, isSeen));
 }
 
 QString css(const QColor &colour)
@@ -172,14 +229,15 @@ QPalette palette(const VellTheme &theme)
 {
     const QColor text = theme.text.color();
     const QColor onAccent = theme.readableOn(theme.accent).color();
-    const QColor faint = between(theme.bg, theme.dim, 0.6);
-    QPalette palette(text, theme.panelTop.color(), theme.panelTop.color().lighter(),
-                     theme.bg.color(), theme.panelBottom.color(), text, text,
-                     theme.panelBottom.color(), theme.bg.color());
+    const QColor faint = between(theme.bg, theme.dim, 0.6).color();
+    const QColor panelTop = raised(theme).color();
+    QPalette palette(text, panelTop, panelTop.lighter(), theme.bg.color(),
+                     theme.panelBottom.color(), text, text, theme.panelBottom.color(),
+                     theme.bg.color());
     palette.setColor(QPalette::Highlight, theme.accent.color());
     palette.setColor(QPalette::HighlightedText, onAccent);
-    palette.setColor(QPalette::Link, theme.accent.color());
-    palette.setColor(QPalette::PlaceholderText, between(theme.bg, theme.dim, 0.85));
+    palette.setColor(QPalette::Link, ring(theme).color());
+    palette.setColor(QPalette::PlaceholderText, between(theme.bg, theme.dim, 0.85).color());
     palette.setColor(QPalette::ToolTipBase, theme.panelBottom.color());
     palette.setColor(QPalette::ToolTipText, text);
     for (QPalette::ColorRole role : {QPalette::Text, QPalette::ButtonText, QPalette::WindowText}) {
@@ -193,12 +251,13 @@ QString styleSheet(const VellTheme &theme, const QFont &font)
     const std::pair<QStringView, QColor> colours[] = {
         {u"ONACCENT", theme.readableOn(theme.accent).color()},
         {u"ACCENT", theme.accent.color()},
-        {u"PANELTOP", theme.panelTop.color()},
+        {u"RING", ring(theme).color()},
+        {u"PANELTOP", raised(theme).color()},
         {u"PANELBOTTOM", theme.panelBottom.color()},
-        {u"SELECTED", theme.accent.color(0.28)},
+        {u"SELECTED", selected(theme)},
         {u"STRIPE", theme.text.color(0.035)},
         {u"INSET", QColor(0, 0, 0, 71)},
-        {u"FAINT", between(theme.bg, theme.dim, 0.6)},
+        {u"FAINT", between(theme.bg, theme.dim, 0.6).color()},
         {u"LINE", theme.dim.color(0.45)},
         {u"EDGE", theme.dim.color(0.18)},
         {u"TEXT", theme.text.color()},

@@ -1,6 +1,7 @@
 #include "VellThemeRoot.h"
 
 #include "VellStyle.h"
+#include "VxRoles.h"
 #include "VxScale.h"
 #include "VxZoom.h"
 
@@ -64,6 +65,7 @@ VellThemeRoot::VellThemeRoot(QApplication &application)
     : QObject(&application), m_application(application), m_font(typeface(QApplication::font()))
 {
     shared = this;
+    VxRoles::install();
     show(VellThemes::current(), VxZoom::value());
 }
 

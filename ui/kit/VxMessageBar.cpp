@@ -91,6 +91,13 @@ void VxMessageBar::displayWork(const Work &work)
     showWith(isNews ? work.text : QString());
 }
 
+QWidget *VxMessageBar::followInTabOrder(QWidget *before)
+{
+    setTabOrder(before, m_dismiss);
+    setTabOrder(m_dismiss, m_stop);
+    return m_stop;
+}
+
 void VxMessageBar::showWith(const QString &news)
 {
     const bool wasVisible = isVisible();

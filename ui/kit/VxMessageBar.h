@@ -32,6 +32,8 @@ public:
     void displayMessage(const QString &message);
     /// The work. Its text is read out when it changes; how far the work is, is not.
     void displayWork(const Work &work);
+    /// Tab reaches the bar's buttons after that widget. Returns the last of them.
+    QWidget *followInTabOrder(QWidget *before);
 
 Q_SIGNALS:
     /// The user has read the sentence.

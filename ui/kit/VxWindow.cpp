@@ -12,6 +12,15 @@ void centre(QWidget *window, QSize size, const QWidget *over)
                                             size.boundedTo(room.size() * 9 / 10), room));
 }
 
+QWidget *lastTabStop(const QWidget *window)
+{
+    QWidget *last = window->previousInFocusChain();
+    while (!(last->focusPolicy() & Qt::TabFocus)) { // Qt passes over the others in setTabOrder()
+        last = last->previousInFocusChain();
+    }
+    return last;
+}
+
 void bringForward(QWidget *window)
 {
     window->setWindowState(window->windowState() & ~Qt::WindowMinimized);

@@ -24,6 +24,8 @@ template <typename Window>
 /// Gives a window that size, as far as the screen has room for it, in the middle of the screen
 /// that another window is on; the main screen when that one is null.
 void centre(QWidget *window, QSize size, const QWidget *over);
+/// The last widget of a window that Tab reaches.
+[[nodiscard]] QWidget *lastTabStop(const QWidget *window);
 /// Comes to the front, out of the task bar if need be.
 void bringForward(QWidget *window);
 } // namespace VxWindow

@@ -4,6 +4,7 @@
 #include "ExportMenu.h"
 #include "RecordList.h"
 
+#include <QFocusEvent>
 #include <QTableView>
 #include <QVBoxLayout>
 
@@ -100,6 +101,13 @@ void DocumentsView::reload()
     for (RecordList *list : {m_documentList, m_filledList}) { // an empty one leaves its room
         m_column->setStretchFactor(list, list->isEmpty() ? 0 : 1);
     }
-    RecordList *first = m_documentList->isEmpty() ? m_filledList : m_documentList;
-    setFocusProxy(first->isEmpty() ? nullptr : first->table());
+}
+
+void DocumentsView::focusInEvent(QFocusEvent *event)
+{
+    QWidget::focusInEvent(event);
+    const RecordList *first = m_documentList->isEmpty() ? m_filledList : m_documentList;
+    if (!first->isEmpty()) {
+        first->table()->setFocus(event->reason());
+    }
 }

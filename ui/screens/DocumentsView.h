@@ -21,6 +21,8 @@ public:
 
 protected:
     void showEvent(QShowEvent *event) override;
+    /// Hands the keyboard on to the first list; with a focus proxy Tab would pass over its buttons.
+    void focusInEvent(QFocusEvent *event) override;
 
 private:
     void connectDocuments();

@@ -9,6 +9,7 @@
 #include "VxSplit.h"
 #include "VxText.h"
 
+#include <QFocusEvent>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
@@ -38,7 +39,6 @@ FinderView::FinderView(AppModel &model, QWidget *parent)
     row->setContentsMargins({});
     row->addWidget(VxSplit::make(m_list, m_area, u"qs.finder.splitter"_s, this));
     connectModel();
-    setFocusProxy(m_list);
 }
 
 void FinderView::createList()
@@ -119,4 +119,9 @@ void FinderView::setPage(QWidget *page)
         setTabOrder(before, button);
         before = button;
     }
+}
+
+void FinderView::focusInEvent(QFocusEvent *event)
+{
+    m_list->setFocus(event->reason());
 }

@@ -18,6 +18,8 @@ public:
     explicit FinderView(AppModel &model, QWidget *parent = nullptr);
 
 protected:
+    /// Hands the keyboard on to the list; a focus proxy would keep Tab within the screen.
+    void focusInEvent(QFocusEvent *event) override;
     void showEvent(QShowEvent *event) override;
 
 private:

@@ -30,6 +30,10 @@ RecordList::RecordList(const QString &heading, QAbstractItemModel &model, QWidge
     column->addWidget(createButtons());
     column->addWidget(m_empty);
     column->addWidget(m_table, 1);
+    for (QPushButton *button : {m_open, m_export, m_print, m_delete}) {
+        button->setAccessibleName(button->text() + u", "_s + heading);
+    }
+    setTabOrder(m_delete, m_table);
     connectActions();
     VxContextMenu::attach(m_table, [this](QMenu *menu) { fillMenu(menu); });
     enableButtons();

@@ -9,6 +9,7 @@
 #include "VxSplit.h"
 #include "VxText.h"
 
+#include <QFocusEvent>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QListWidget>
@@ -69,7 +70,6 @@ TemplatesView::TemplatesView(AppModel &model, QWidget *parent)
         menu->addAction(m_start->text(), this, &TemplatesView::start);
     });
     connect(&m_model, &AppModel::selectionChanged, this, &TemplatesView::showSelection);
-    setFocusProxy(m_list);
     showSelection();
 }
 
@@ -158,4 +158,9 @@ void TemplatesView::start()
     if (const QSTemplate *chosen = QSTemplates::templateById(m_model.selectedTemplateID())) {
         m_model.newDocument(*chosen);
     }
+}
+
+void TemplatesView::focusInEvent(QFocusEvent *event)
+{
+    m_list->setFocus(event->reason());
 }

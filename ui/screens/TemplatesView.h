@@ -17,6 +17,10 @@ class TemplatesView final : public QWidget
 public:
     explicit TemplatesView(AppModel &model, QWidget *parent = nullptr);
 
+protected:
+    /// Hands the keyboard on to the list; a focus proxy would keep Tab within the screen.
+    void focusInEvent(QFocusEvent *event) override;
+
 private:
     void createList();
     [[nodiscard]] QWidget *createDetail();
