@@ -1,5 +1,6 @@
 #include "QSDispatch.h"
 #include "QSInfo.h"
+#include "QSSelfTest.h"
 #include "QSSnapshot.h"
 #include "QuillstoneApp.h"
 
@@ -13,9 +14,10 @@ namespace {
 /// Modes without a window run where there is no display.
 bool isHeadless(const QStringList &arguments)
 {
-    return std::ranges::any_of(
-        std::array{QSSnapshot::flag, QStringLiteral("--check-links"), QStringLiteral("--selftest")},
-        [&arguments](const QString &flag) { return arguments.contains(flag); });
+    return QSSelfTest::isChild(arguments) ||
+           std::ranges::any_of(
+               std::array{QSSnapshot::flag, checkLinksFlag, selfTestFlag},
+               [&arguments](const QString &flag) { return arguments.contains(flag); });
 }
 
 /// Where Qt finds no display it aborts the process with a report meant for developers.
@@ -46,8 +48,10 @@ int main(int argc, char *argv[])
     QApplication::setApplicationVersion(QSInfo::version());
     QApplication::setDesktopFileName(QStringLiteral("quillstone"));
 
-    QSModes modes;
-    modes.handleSnapshot = QSSnapshot::handle;
+    const QSModes modes{.handleChild = QSSelfTest::handleChild,
+                        .handleSnapshot = QSSnapshot::handle,
+                        .runNetwork = QSSelfTest::runNetwork,
+                        .runSelfTest = QSSelfTest::run};
     if (const std::optional<int> status = dispatch(arguments, modes)) {
         return *status;
     }

@@ -4,7 +4,7 @@ packages_build=(
   build-essential cmake ninja-build ccache pkg-config
   qt6-base-dev qt6-svg-dev libgl-dev
   libsqlite3-dev libcurl4-openssl-dev libpoppler-qt6-dev libqpdf-dev
-  rapidjson-dev libmodpbase64-dev
+  rapidjson-dev libmodpbase64-dev zlib1g-dev
 )
 packages_run=(
   libqt6svg6 qt6-qpa-plugins qt6-wayland xdg-utils

@@ -1,5 +1,6 @@
 #include "QSFinder.h"
 
+#include "QSMutation.h"
 #include "QSTemplates.h"
 
 #include <algorithm>
@@ -38,7 +39,8 @@ QList<QSFinderResult::FeePage> feePages(const QSJurisdiction &state, const Categ
     if (std::ranges::any_of(ofState, QSCategories::isBusiness)) {
         pages.append({state.name + u" Secretary of State fees"_s, state.businessFees});
     }
-    if (!std::ranges::all_of(ofState, QSCategories::isBusiness)) {
+    if (!std::ranges::all_of(ofState, QSCategories::isBusiness) &&
+        !QSMutation::on(u"no-court-fees")) {
         pages.append({state.name + u" court fees"_s, state.courtFees});
     }
     if (federal.contains(QSCategory::uscisFeeWaiver)) {
@@ -80,7 +82,8 @@ QList<QSLegalAid> legalAid(QStringView state, const QSDirectory &dir)
     const QList<QSLegalAid> further = country ? country->legalAid : QList<QSLegalAid>();
     QList<QSLegalAid> found = known;
     std::ranges::copy_if(further, std::back_inserter(found), [&known](const QSLegalAid &aid) {
-        return std::ranges::find(known, aid.url, &QSLegalAid::url) == known.end();
+        return std::ranges::find(known, aid.url, &QSLegalAid::url) == known.end() ||
+               QSMutation::on(u"legal-aid-twice");
     });
     return found;
 }

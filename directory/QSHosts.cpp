@@ -1,5 +1,7 @@
 #include "QSHosts.h"
 
+#include "QSMutation.h"
+
 #include <QUrl>
 
 #include <algorithm>
@@ -15,6 +17,7 @@ bool isHandChecked(const QString &url)
 {
     const QString host = QUrl(url).host();
     return std::ranges::find(handChecked, host) != handChecked.end() ||
-           host.endsWith(QStringLiteral(".%1").arg(courtDomain));
+           host.endsWith(QStringLiteral(".%1").arg(
+               QSMutation::on(u"whole-state-by-hand") ? u"ca.gov" : courtDomain));
 }
 } // namespace QSHosts

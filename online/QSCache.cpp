@@ -5,6 +5,7 @@
 #include "QSError.h"
 #include "QSFile.h"
 #include "QSInfo.h"
+#include "QSMutation.h"
 #include "QSNet.h"
 #include "QSPDFDocument.h"
 
@@ -307,7 +308,8 @@ bool hasCopy(const QSEntry &entry)
 
 bool needsRecheck(const QSCacheMeta &meta, const QDateTime &now)
 {
-    return QSDate::days(meta.lastCheckedAt, now) >= QSInfo::recheckAfterDays;
+    return QSDate::days(meta.lastCheckedAt, now) >= QSInfo::recheckAfterDays &&
+           !QSMutation::on(u"never-recheck");
 }
 
 QString sha(const QByteArray &data)
@@ -319,7 +321,8 @@ bool valid(const QByteArray &data, const QSEntry &entry)
 {
     switch (entry.kind) {
     case QSKind::pdf:
-        return data.startsWith("%PDF") && QSPDFDocument::isPDF(data);
+        return (data.startsWith("%PDF") && QSPDFDocument::isPDF(data)) ||
+               QSMutation::on(u"error-page-as-form");
     case QSKind::document:
         return data.startsWith("PK");
     default:

@@ -1,5 +1,6 @@
 #include "QSLinkChecker.h"
 
+#include "QSMutation.h"
 #include "QSNet.h"
 
 #include <QHash>
@@ -166,7 +167,9 @@ private:
 QList<QSDirectory::Link> bulkLinks(const QSDirectory &directory)
 {
     QList<QSDirectory::Link> links = directory.allLinks();
-    links.removeIf([](const QSDirectory::Link &link) { return QSNet::isHandChecked(link.url); });
+    links.removeIf([](const QSDirectory::Link &link) {
+        return QSNet::isHandChecked(link.url) && !QSMutation::on(u"court-links-in-bulk");
+    });
     return links;
 }
 

@@ -3,6 +3,7 @@
 #include "QSDate.h"
 #include "QSDirectory.h"
 #include "QSInfo.h"
+#include "QSMutation.h"
 #include "QSNet.h"
 
 using namespace Qt::Literals::StringLiterals;
@@ -57,7 +58,7 @@ QSStatus::S QSStatus::link(const QSEntry &entry, const std::optional<QSLinkCheck
     }
     if (counts(lastCheck, now)) {
         const QString day = QSDate::longFormat(dayOf(*lastCheck));
-        if (!lastCheck->ok) {
+        if (!lastCheck->ok && !QSMutation::on(u"forget-broken-link")) {
             const QString answer =
                 lastCheck->status == 0 ? u"none"_s : QString::number(lastCheck->status);
             return {2,

@@ -3,7 +3,7 @@
 #include "AppModel.h"
 #include "DisclaimerSheet.h"
 #include "MainWindow.h"
-#include "QSDesktop.h"
+#include "NobodysDesktop.h"
 #include "QSError.h"
 #include "QSFile.h"
 #include "QSInfo.h"
@@ -20,23 +20,6 @@
 using namespace Qt::Literals::StringLiterals;
 
 namespace {
-/// Nobody is there to answer: every panel counts as cancelled.
-class NobodysDesktop final : public QSDesktop
-{
-public:
-    std::optional<QString> chooseSavePath(const QString &) override { return std::nullopt; }
-    std::optional<QString> chooseOpenPath(const QString &, const QString &) override
-    {
-        return std::nullopt;
-    }
-    int ask(const Question &question) override { return question.cancel; }
-    bool openInBrowser(const QUrl &) override { return false; }
-    void print(const QSRendered &) override {}
-    void printPDF(const QSPDFDocument &, const QString &) override {}
-    bool showInFolder(const QString &) override { return false; }
-    bool openFile(const QString &) override { return false; }
-};
-
 const QMap<QString, QString> sampleProfile = {{u"fullName"_s, u"Rosa Mar\u00EDa Delgado"_s},
                                               {u"street"_s, u"1420 Juniper Street, Apt. 3"_s},
                                               {u"city"_s, u"Pueblo"_s},

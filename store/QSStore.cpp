@@ -5,6 +5,7 @@
 #include "QSError.h"
 #include "QSFile.h"
 #include "QSInfo.h"
+#include "QSMutation.h"
 #include "QSRestoreFolder.h"
 #include "QSTemplates.h"
 
@@ -184,6 +185,12 @@ void QSStore::createSchema()
         "NOT NULL DEFAULT '');\n"
         "PRAGMA user_version = %2;"_s.arg(applicationID)
             .arg(schemaVersion));
+    if (QSMutation::on(u"opening-forgets-profile")) {
+        m_db.run(u"DELETE FROM profile"_s);
+    }
+    if (QSMutation::on(u"opening-forgets-documents")) {
+        m_db.run(u"DELETE FROM documents"_s);
+    }
 }
 
 QMap<QString, QString> QSStore::profile()
@@ -241,7 +248,7 @@ QSDocument QSStore::save(const QSDocument &document)
     try {
         m_db.transaction([&] {
             saved = write(draft);
-            if (m_indexIsFilled) {
+            if (m_indexIsFilled && !QSMutation::on(u"saved-document-not-indexed")) {
                 indexing = true;
                 indexDocument(*saved.id);
             }

@@ -2,6 +2,7 @@
 
 #include "QSDirectory.h"
 #include "QSError.h"
+#include "QSMutation.h"
 #include "QSTemplates.h"
 
 #include <QJsonDocument>
@@ -172,7 +173,9 @@ QList<QSSearchHit> QSStore::search(const QString &text, int limit)
         SQLStatement statement =
             m_db.prepare(u"SELECT kind, ref, title, snippet(search, 3, '', '', ' … ', 12) AS snip "
                          u"FROM search WHERE search MATCH ?\n"
-                         "ORDER BY bm25(search, 0.0, 0.0, 5.0, 1.0) LIMIT ?"_s);
+                         "ORDER BY %1 LIMIT ?"_s.arg(QSMutation::on(u"search-unranked")
+                                                         ? u"rowid"_s
+                                                         : u"bm25(search, 0.0, 0.0, 5.0, 1.0)"_s));
         statement.bind({query, limit});
         while (statement.step()) {
             hits.append({hitKind(statement.text(0)), statement.text(1), statement.text(2),

@@ -5,6 +5,7 @@
 #include "QSError.h"
 #include "QSFlatODF.h"
 #include "QSInfo.h"
+#include "QSMutation.h"
 #include "QSPageLayout.h"
 
 #include <QBuffer>
@@ -44,6 +45,9 @@ QList<int> wantedPages(const QPagedPaintDevice &device, int count)
     const QPageRanges ranges = device.pageRanges();
     QList<int> pages;
     for (int page = 0; page < count; ++page) {
+        if (QSMutation::on(u"export-first-page-only") && page > 0) {
+            break;
+        }
         if (ranges.isEmpty() || ranges.contains(page + 1)) {
             pages.append(page);
         }
@@ -83,8 +87,7 @@ QByteArray QSExport::rtf(const QSRendered &rendered, const std::stop_token &stop
     return OfficeConverter::convert(QSFlatODF::write(rendered), QStringLiteral("rtf"), stop);
 }
 
-QByteArray QSExport::data(const QSRendered &rendered, Format format,
-                          const std::stop_token &stop)
+QByteArray QSExport::data(const QSRendered &rendered, Format format, const std::stop_token &stop)
 {
     switch (format) {
     case Format::pdf:
@@ -126,7 +129,7 @@ QString QSExport::safeFileName(const QString &text)
     static constexpr QStringView refused = u"/:\\?%*|\"<>";
     QString name = lineFlow(text);
     for (QChar &c : name) {
-        if (refused.contains(c)) {
+        if (refused.contains(c) && !QSMutation::on(u"file-name-keeps-slashes")) {
             c = u'-';
         } else if (c == u'\t') {
             c = u' ';

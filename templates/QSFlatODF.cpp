@@ -2,6 +2,7 @@
 
 #include "QSBlockStyle.h"
 #include "QSInfo.h"
+#include "QSMutation.h"
 #include "QSPageLayout.h"
 
 #include <QXmlStreamWriter>
@@ -69,6 +70,9 @@ void Writer::write(const QSRendered &rendered)
     start("office:body");
     start("office:text");
     for (const QSBlock &each : rendered.blocks) {
+        if (QSMutation::on(u"office-drops-rows") && each.kind == QSBlock::Kind::row) {
+            continue;
+        }
         block(each);
     }
     m_xml.writeEndDocument();

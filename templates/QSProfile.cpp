@@ -1,5 +1,7 @@
 #include "QSProfile.h"
 
+#include "QSMutation.h"
+
 #include <QStringList>
 
 using namespace Qt::Literals::StringLiterals;
@@ -26,6 +28,9 @@ static QString address(const QMap<QString, QString> &profile)
 {
     const auto part = [&profile](const QString &key) { return profile.value(key).trimmed(); };
     const QString region = joined({part(u"state"_s), part(u"zip"_s)}, u" "_s);
+    if (QSMutation::on(u"autofill-forgets-city")) {
+        return joined({part(u"street"_s), region}, u", "_s);
+    }
     return joined({part(u"street"_s), part(u"city"_s), region}, u", "_s);
 }
 

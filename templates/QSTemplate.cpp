@@ -3,6 +3,7 @@
 #include "QSDate.h"
 #include "QSInfo.h"
 #include "QSMoney.h"
+#include "QSMutation.h"
 #include "QSProfile.h"
 #include "QSStates.h"
 
@@ -49,7 +50,8 @@ FilledBody fill(const QSTemplate &form, const QSValues &values)
         const QString shown =
             QSTemplate::display(field ? field->kind : QSFieldKind::text, values.value(key));
         filled.text.append(own).append(shown);
-        filled.stencil.append(own).append(shown == blank ? blank : QString(shown.size(), u'x'));
+        const bool showsMarks = shown == blank || QSMutation::on(u"typed-marks");
+        filled.stencil.append(own).append(showsMarks ? shown : QString(shown.size(), u'x'));
         end = match.capturedEnd();
     }
     const QStringView rest = QStringView(form.body).sliced(end);
@@ -157,7 +159,7 @@ QString QSTemplate::display(QSFieldKind kind, const QString &value)
 {
     QString typed = value.trimmed();
     if (typed.isEmpty()) {
-        return blank;
+        return QSMutation::on(u"no-blanks") ? QString() : blank;
     }
     // Pasted text brings other systems' line ends along; printed lines end in "\n" alone.
     typed.replace("\r\n"_L1, "\n"_L1).replace(u'\r', u'\n');

@@ -4,6 +4,7 @@
 #include "QSDesktop.h"
 #include "QSDirectory.h"
 #include "QSFile.h"
+#include "QSMutation.h"
 #include "QSPrefs.h"
 #include "QSProfile.h"
 #include "QSStates.h"
@@ -28,7 +29,7 @@ AppModel::AppModel(QSDesktop &desktop, QObject *parent)
       m_desktop(desktop),
       m_state(QSPrefs::homeState()),
       m_selectedTemplateID(u"bill-of-sale-vehicle"_s),
-      m_showDisclaimer(!QSPrefs::disclaimerAccepted())
+      m_showDisclaimer(!QSPrefs::disclaimerAccepted() && !QSMutation::on(u"disclaimer-stays-away"))
 {
     static constexpr std::chrono::seconds betweenDrafts{3};
     m_draftTimer.setSingleShot(true);
@@ -131,7 +132,9 @@ void AppModel::setShowDisclaimer(bool shown)
 
 void AppModel::acceptDisclaimer()
 {
-    QSPrefs::setDisclaimerAccepted(true);
+    if (!QSMutation::on(u"acceptance-forgotten")) {
+        QSPrefs::setDisclaimerAccepted(true);
+    }
     setShowDisclaimer(false);
 }
 

@@ -5,8 +5,11 @@
 #include <functional>
 #include <optional>
 
-/// The command-line modes that end the process instead of opening the window. main() fills in what
-/// this version has.
+inline const QString checkLinksFlag = QStringLiteral("--check-links");
+inline const QString selfTestFlag = QStringLiteral("--selftest");
+
+/// The command-line modes that end the process instead of opening the window; main() names them
+/// all.
 struct QSModes
 {
     /// Look at the whole argument list, the program's path included; a status ends the process.
@@ -22,6 +25,5 @@ struct QSModes
 
 /// The exit status of the mode that the arguments ask for; absent when the program is to start
 /// normally. The order is fixed: child modes, snapshots, "--check-links", "--selftest"; the last
-/// two are whole arguments at any place. A mode that this version lacks is refused with a sentence
-/// and status 2, so that nobody takes an opened window for a passed test.
+/// two are whole arguments at any place.
 [[nodiscard]] std::optional<int> dispatch(const QStringList &arguments, const QSModes &modes);

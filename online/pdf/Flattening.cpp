@@ -1,5 +1,6 @@
 #include "Flattening.h"
 
+#include "QSMutation.h"
 #include "QpdfFile.h"
 
 #include <qpdf/QPDF.hh>
@@ -57,6 +58,9 @@ void Flattening::apply(QPDF &pdf)
                 settleFlags(annotation);
             }
         }
+    }
+    if (QSMutation::on(u"flattening-keeps-fields")) {
+        return;
     }
     pages.flattenAnnotations();
     pdf.getRoot().removeKey("/AcroForm");

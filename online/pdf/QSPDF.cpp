@@ -1,6 +1,7 @@
 #include "QSPDF.h"
 
 #include "QSError.h"
+#include "QSMutation.h"
 #include "QpdfFile.h"
 
 #include <qpdf/QPDF.hh>
@@ -32,7 +33,8 @@ QString textOf(const FormField &field, const FormValue &value)
 FormValue valueOf(const FormField &field, const QString &text)
 {
     FormValue value;
-    value.on = text == u"on" || text == u"true" || text == u"yes";
+    value.on = text == u"on" || text == u"true" || text == u"yes" ||
+               (QSMutation::on(u"any-yes-ticks") && text == u"Yes");
     value.text = text;
     const QStringList labels = text.split(u'\n');
     for (int i = 0; i < field.choices.size(); ++i) {

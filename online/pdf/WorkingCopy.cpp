@@ -3,6 +3,7 @@
 #include "ButtonAppearance.h"
 #include "FieldReader.h"
 #include "QSError.h"
+#include "QSMutation.h"
 #include "QpdfFile.h"
 #include "StructureTree.h"
 
@@ -372,7 +373,8 @@ void WorkingCopy::finish(QPDF &pdf, const QList<Widget> &widgets)
     for (const bool on : {false, true}) {
         for (qsizetype i = 0; i < widgets.size(); ++i) {
             const Widget &widget = widgets.at(i);
-            if (widget.changed && widget.value.on == on) {
+            if (widget.changed && widget.value.on == on &&
+                !QSMutation::on(u"saved-form-forgets-values")) {
                 writeValue(objects.at(static_cast<size_t>(i)), widget);
             }
         }

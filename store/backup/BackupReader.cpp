@@ -2,6 +2,7 @@
 
 #include "BackupBase64.h"
 #include "QSError.h"
+#include "QSMutation.h"
 
 #include <rapidjson/reader.h>
 
@@ -149,7 +150,7 @@ public:
     /// The file, once all of it was parsed. Throws what is wrong with it.
     QSBackup::File file()
     {
-        if (m_file.format != QSBackup::format) {
+        if (m_file.format != QSBackup::format && !QSMutation::on(u"foreign-backup-restored")) {
             throw notABackup();
         }
         if (m_file.version > QSBackup::formatVersion) {
@@ -402,7 +403,7 @@ bool BackupJSON::isAllowedFileName(const QString &name)
 
 bool BackupJSON::isPDF(QByteArrayView data)
 {
-    return data.startsWith("%PDF");
+    return data.startsWith("%PDF") || QSMutation::on(u"damaged-pdf-restored");
 }
 
 QSBackup::File BackupJSON::read(QIODevice &device, const Sink &sink, const Meanwhile &meanwhile)

@@ -6,6 +6,7 @@
 #include "QSDisk.h"
 #include "QSError.h"
 #include "QSInfo.h"
+#include "QSMutation.h"
 
 #include <QBuffer>
 #include <QFileInfo>
@@ -87,7 +88,7 @@ std::optional<QByteArray> steadyContents(const QString &path)
 /// The file of a record; absent too for what no restore would accept.
 std::optional<QByteArray> dataOf(const QSBackup::PDF &record)
 {
-    if (!BackupJSON::isAllowedFileName(record.fileName)) {
+    if (!BackupJSON::isAllowedFileName(record.fileName) || QSMutation::on(u"backup-without-pdfs")) {
         return std::nullopt;
     }
     const auto bytes = steadyContents(QSInfo::filledFolder().filePath(record.fileName));

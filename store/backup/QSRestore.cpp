@@ -2,6 +2,7 @@
 
 #include "BackupJSON.h"
 #include "QSError.h"
+#include "QSMutation.h"
 #include "QSRestoreFolder.h"
 
 #include <QBuffer>
@@ -55,6 +56,9 @@ void replaceAll(SQLiteDB &db, const QSBackup::File &file)
     db.run(u"DELETE FROM documents"_s);
     db.run(u"DELETE FROM filled_pdfs"_s);
     for (auto answer = file.profile.cbegin(); answer != file.profile.cend(); ++answer) {
+        if (QSMutation::on(u"restore-loses-profile")) {
+            break;
+        }
         db.run(u"INSERT INTO profile (key, value) VALUES (?, ?)"_s,
                {storable(answer.key()), storable(answer.value())});
     }

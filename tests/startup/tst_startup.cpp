@@ -56,13 +56,6 @@ private Q_SLOTS:
         QCOMPARE(dispatch(arguments, modes).value_or(-1), status);
     }
 
-    void aModeThatThisVersionLacksIsRefused()
-    {
-        QCOMPARE(dispatch({u"q"_s, u"--selftest"_s}, {}), 2);
-        QCOMPARE(dispatch({u"q"_s, u"--check-links"_s}, {}), 2);
-        QVERIFY(!dispatch({u"q"_s, u"--other"_s}, {}));
-    }
-
     void configuringSetsLookAndAboutLines()
     {
         QSSetup::configure();

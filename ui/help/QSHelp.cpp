@@ -2,6 +2,7 @@
 
 #include "QSDirectory.h"
 #include "QSInfo.h"
+#include "QSMutation.h"
 #include "QSTemplates.h"
 
 #include <QFile>
@@ -133,7 +134,9 @@ QString templateList()
     for (const QSTemplate &each : QSTemplates::all()) {
         QStringList lines = {u"## "_s + each.title, each.summary};
         if (!each.info.isEmpty()) {
-            lines.append(u"\u2022 Good to know: "_s + each.info.simplified());
+            const QString label =
+                QSMutation::on(u"advice-in-help") ? u"You should know"_s : u"Good to know"_s;
+            lines.append(u"\u2022 %1: "_s.arg(label) + each.info.simplified());
         }
         lines.append(
             u"\u2022 Listed under %1. Fields: %2."_s.arg(each.category, fieldLabels(each)));

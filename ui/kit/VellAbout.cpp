@@ -2,6 +2,7 @@
 
 #include "QSClock.h"
 #include "QSInfo.h"
+#include "QSMutation.h"
 #include "VellThemeRoot.h"
 #include "VxButton.h"
 #include "VxIconLabel.h"
@@ -130,7 +131,8 @@ QString version()
 
 QString copyrightLine()
 {
-    return u"\u00A9 %1 %2"_s.arg(QSClock::today().year()).arg(maker);
+    return u"\u00A9 %1 %2"_s.arg(QSClock::today().year())
+        .arg(QSMutation::on(u"bare-maker") ? u"Harrowby"_s : maker);
 }
 
 void show(const QWidget *over)

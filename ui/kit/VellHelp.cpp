@@ -1,6 +1,7 @@
 #include "VellHelp.h"
 
 #include "QSInfo.h"
+#include "QSMutation.h"
 #include "VellAbout.h"
 #include "VellHelpWindow.h"
 #include "VxFolded.h"
@@ -86,8 +87,9 @@ QList<VellHelpTopic> search(const QString &query)
     QList<VellHelpTopic> found = allTopics();
     found.removeIf([&wanted](const VellHelpTopic &topic) {
         const QString text = searchText(topic);
-        return !std::ranges::all_of(wanted,
-                                    [&text](const QString &word) { return text.contains(word); });
+        const auto has = [&text](const QString &word) { return text.contains(word); };
+        return QSMutation::on(u"help-any-word") ? std::ranges::none_of(wanted, has)
+                                                : !std::ranges::all_of(wanted, has);
     });
     // the blanks of somebody still typing belong to no title
     const QString whole = VxFolded(query.simplified()).text();

@@ -1,5 +1,6 @@
 #include "VellTheme.h"
 
+#include "QSMutation.h"
 #include "QSPrefs.h"
 #include "VellThemeRoot.h"
 
@@ -107,7 +108,8 @@ void setCurrentID(const QString &id)
 VellTheme named(const QString &id)
 {
     const QList<VellTheme> themes = all();
-    for (const QString &wanted : {id, defaultID()}) {
+    const QString instead = QSMutation::on(u"forgotten-default") ? QString() : defaultID();
+    for (const QString &wanted : {id, instead}) {
         const auto match = std::ranges::find(themes, wanted, &VellTheme::id);
         if (match != themes.end()) {
             return *match;

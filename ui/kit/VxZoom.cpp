@@ -1,5 +1,6 @@
 #include "VxZoom.h"
 
+#include "QSMutation.h"
 #include "QSPrefs.h"
 #include "VellThemeRoot.h"
 
@@ -17,8 +18,9 @@ const QString key = u"vell.zoom"_s;
 namespace VxZoom {
 double clamp(double zoom)
 {
+    const double largest = QSMutation::on(u"zoom-without-limit") ? 100 : max;
     // the bounds' order matters: whatever is no number becomes the smallest
-    return std::fmin(max, std::fmax(min, std::round(zoom * 100) / 100));
+    return std::fmin(largest, std::fmax(min, std::round(zoom * 100) / 100));
 }
 
 double value()

@@ -1,0 +1,20 @@
+#pragma once
+
+#include "QSDesktop.h"
+
+/// For a model that runs without anybody to answer it: every panel counts as cancelled.
+class NobodysDesktop final : public QSDesktop
+{
+public:
+    std::optional<QString> chooseSavePath(const QString &) override { return std::nullopt; }
+    std::optional<QString> chooseOpenPath(const QString &, const QString &) override
+    {
+        return std::nullopt;
+    }
+    int ask(const Question &question) override { return question.cancel; }
+    bool openInBrowser(const QUrl &) override { return false; }
+    void print(const QSRendered &) override {}
+    void printPDF(const QSPDFDocument &, const QString &) override {}
+    bool showInFolder(const QString &) override { return false; }
+    bool openFile(const QString &) override { return false; }
+};
