@@ -4,47 +4,53 @@
 #include "DisclaimerSheet.h"
 #include "MainWindow.h"
 #include "NobodysDesktop.h"
+#include "QSClock.h"
+#include "QSDirectory.h"
 #include "QSError.h"
 #include "QSFile.h"
-#include "QSInfo.h"
+#include "QSFinder.h"
 #include "QSPrefs.h"
 #include "QSSetup.h"
-#include "QSTemplates.h"
+#include "Sample.h"
+#include "SetAside.h"
+#include "SnapshotOptions.h"
+#include "VellAbout.h"
+#include "VellHelp.h"
+#include "VellHelpWindow.h"
+#include "VellTheme.h"
+#include "VxZoom.h"
+#include "formwindow/FormWindow.h"
 
 #include <QApplication>
+#include <QDialog>
 #include <QDir>
-#include <QTemporaryDir>
+#include <QEventLoop>
+#include <QTimer>
 
 #include <cstdio>
+#include <utility>
 
 using namespace Qt::Literals::StringLiterals;
 
 namespace {
-const QMap<QString, QString> sampleProfile = {{u"fullName"_s, u"Rosa Mar\u00EDa Delgado"_s},
-                                              {u"street"_s, u"1420 Juniper Street, Apt. 3"_s},
-                                              {u"city"_s, u"Pueblo"_s},
-                                              {u"state"_s, u"CO"_s},
-                                              {u"zip"_s, u"81003"_s},
-                                              {u"county"_s, u"Pueblo"_s},
-                                              {u"phone"_s, u"719-555-0142"_s},
-                                              {u"email"_s, u"rosa@mail.example"_s}};
+constexpr QSize windowSize(1366, 720);
+constexpr int longestWait = 10'000; // ms
 
-const QSValues sampleSale = {
-    {u"sale_date"_s, u"2026-11-14"_s},
-    {u"buyer_name"_s, u"Nguy\u1EC5n Th\u1ECB H\u01B0\u01A1ng"_s},
-    {u"buyer_address"_s, u"88 Orchard Road, Ca\u00F1on City, CO 81212"_s},
-    {u"vehicle_year"_s, u"2014"_s},
-    {u"vehicle_make"_s, u"Subaru"_s},
-    {u"vehicle_model"_s, u"Outback"_s},
-    {u"body_type"_s, u"Wagon"_s},
-    {u"vehicle_color"_s, u"Green"_s},
-    {u"vin"_s, u"4S4BRBCC0E3200000"_s},
-    {u"odometer"_s, u"128450"_s},
-    {u"odometer_status"_s, u"actual mileage"_s},
-    {u"price"_s, u"6,250"_s},
-    {u"payment_method"_s, u"Cashier's check"_s},
-    {u"liens"_s, u"none"_s},
-    {u"known_problems"_s, u"Small dent in the rear bumper.\nAir conditioning needs a recharge."_s}};
+/// Draws what the window still has to draw: pages of forms are drawn by a worker.
+QPixmap settled(QWidget &widget)
+{
+    static constexpr int pause = 120; // ms, longer than a page takes
+    static constexpr int most = 50;
+    QPixmap before;
+    QPixmap now = widget.grab();
+    for (int i = 0; i < most && now.toImage() != before.toImage(); ++i) {
+        QEventLoop waiting;
+        QTimer::singleShot(pause, &waiting, &QEventLoop::quit);
+        waiting.exec();
+        before = std::exchange(now, widget.grab());
+    }
+    return now;
+}
 
 /// Writes pictures and files into one folder and keeps count of what failed.
 class Album
@@ -54,9 +60,8 @@ public:
 
     void add(QWidget &widget, const QString &name)
     {
-        QApplication::processEvents();
         const QString path = m_folder.filePath(name + u".png"_s);
-        tell(path, widget.grab().save(path));
+        tell(path, settled(widget).save(path));
     }
 
     void add(const QByteArray &bytes, const QString &name)
@@ -84,46 +89,67 @@ private:
     bool m_complete = true;
 };
 
-QSDocument saveSample(QSStore &store)
+/// The one open window of a class.
+template <typename Window>
+Window &windowOf()
 {
-    store.saveProfile(sampleProfile);
-    const QSTemplate *sale = QSTemplates::templateById(u"bill-of-sale-vehicle");
-    if (!sale) {
-        throw QSError::invalid(u"The templates are missing from the app."_s);
+    for (QWidget *each : QApplication::topLevelWidgets()) {
+        auto *window = qobject_cast<Window *>(each);
+        if (window && window->isVisible()) {
+            return *window;
+        }
     }
-    QSDocument document;
-    document.templateID = sale->id;
-    document.title = u"Bill of sale, green Outback"_s;
-    document.values = sale->profileValues(sampleProfile);
-    document.values.insert(sampleSale);
-    document.state = u"CO"_s;
-    return store.save(document);
+    throw QSError::invalid(u"A window did not open."_s);
 }
 
-void photographScreens(Album &album, AppModel &model, const QSDocument &sample)
+void photographScreens(Album &album, AppModel &model, MainWindow &window)
 {
-    MainWindow window(model);
-    const int em = window.fontMetrics().height();
-    window.resize(em * 72, em * 46); // whatever the size of the screen that there is not
-    window.show();
-    album.add(window, u"templates"_s);
-    model.show(Screen::documents);
-    album.add(window, u"documents"_s);
-    model.show(Screen::profile);
-    album.add(window, u"profile"_s);
+    for (const Screens::Info &info : Screens::all) {
+        model.show(info.screen);
+        album.add(window, info.id.toString());
+    }
+    model.show(Screen::finder);
+    model.setFinderTask(QSFinder::tasks.front().id);
+    album.add(window, u"task"_s);
+    model.show(Screen::forms);
+    const auto forms = QSDirectory::shared().entriesFor(model.state(), QSCategory::smallClaims);
+    if (!forms.isEmpty()) {
+        model.selectEntry(forms.constFirst().id);
+        album.add(window, u"entry"_s);
+    }
     model.setSearch(u"small claims"_s);
     album.add(window, u"search"_s);
-    model.edit(sample);
+    model.edit(model.documents().value().constFirst());
     album.add(window, u"editor"_s);
     model.closeEditor();
+}
+
+void photographOthers(Album &album, AppModel &model, MainWindow &window)
+{
+    model.openSaved(model.filledPDFs().value().constFirst());
+    QEventLoop opening;
+    QObject::connect(&model, &AppModel::openPDFChanged, &opening, &QEventLoop::quit);
+    QTimer::singleShot(longestWait, &opening, &QEventLoop::quit);
+    opening.exec();
+    auto &form = windowOf<FormWindow>();
+    form.resize(windowSize);
+    album.add(form, u"form"_s);
+    model.closeForm();
+
+    VellHelp::show();
+    album.add(windowOf<VellHelpWindow>(), u"help"_s);
+    windowOf<VellHelpWindow>().close();
+    VellAbout::show(&window);
+    album.add(windowOf<QDialog>(), u"about"_s);
+    windowOf<QDialog>().close();
     DisclaimerSheet sheet(&window);
     sheet.show();
     album.add(sheet, u"disclaimer"_s);
 }
 
-void exportSample(Album &album, const QSDocument &sample)
+void exportSample(Album &album)
 {
-    const std::optional<QSRendered> rendered = AppModel::render(sample);
+    const std::optional<QSRendered> rendered = AppModel::render(Sample::sale());
     for (const QSExport::FormatInfo &info : QSExport::formats) {
         const QString name = u"sample."_s + info.extension.toString();
         try {
@@ -135,47 +161,62 @@ void exportSample(Album &album, const QSDocument &sample)
     }
 }
 
-int photograph(const QString &path)
+/// The same user, time and place for every run.
+void setScene(const SnapshotOptions &options)
 {
-    const QTemporaryDir scratch;
-    if (!scratch.isValid()) {
-        std::fprintf(stderr, "%s\n", qPrintable(scratch.errorString()));
-        return 1;
-    }
-    QSInfo::setDataFolderOverride(scratch.filePath(u"data"_s));
-    QSPrefs::setFileOverride(scratch.filePath(u"preferences.ini"_s));
+    const QDate checked = QDate::fromString(QSDirectory::shared().checked, Qt::ISODate);
+    const QDateTime dayAfter(checked.addDays(1), QTime(18, 0), Qt::UTC);
+    QSClock::setFixed(dayAfter);
+    QApplication::setCursorFlashTime(0);
     QSPrefs::setDisclaimerAccepted(true);
-    QDir().mkpath(path);
-    Album album{QDir(path)};
-    QSSetup::configure();
-    try {
-        if (const std::optional<QString> problem = QSSetup::openStore()) {
-            throw QSError::invalid(*problem);
-        }
-        const QSDocument sample = saveSample(*QSStore::shared());
-        NobodysDesktop desktop;
-        AppModel model(desktop);
-        photographScreens(album, model, sample);
-        exportSample(album, sample);
-    } catch (const QSError &error) {
-        album.tell(QString::fromUtf8(error.what()), false);
+    QSPrefs::setHomeState(options.state);
+    VellThemes::setCurrentID(options.theme);
+    VxZoom::setValue(options.zoom);
+    if (const std::optional<QString> problem = QSSetup::openStore()) {
+        throw QSError::invalid(*problem);
     }
-    QSStore::setShared(nullptr);
-    return album.complete() ? 0 : 1;
+    Sample::save(*QSStore::shared());
+}
+
+void photograph(const SnapshotOptions &options, Album &album)
+{
+    setScene(options);
+    NobodysDesktop desktop;
+    AppModel model(desktop);
+    MainWindow window(model);
+    window.resize(windowSize); // whatever the size of the screen that there is not
+    window.show();
+    photographScreens(album, model, window);
+    photographOthers(album, model, window);
+    exportSample(album);
 }
 } // namespace
 
 namespace QSSnapshot {
 std::optional<int> handle(const QStringList &arguments)
 {
+    static constexpr int misunderstood = 2;
     const qsizetype at = arguments.indexOf(flag);
     if (at < 0) {
         return std::nullopt;
     }
-    if (at + 1 >= arguments.size()) {
-        std::fprintf(stderr, "%s needs the folder to write into.\n", qPrintable(flag));
-        return 2;
+    try {
+        const SetAside away(u"qs-snapshot"_s);
+        QSSetup::configure();
+        SnapshotOptions options;
+        try {
+            options = SnapshotOptions::parse(arguments.sliced(at + 1));
+        } catch (const QSError &error) {
+            std::fprintf(stderr, "%s: %s\n", qPrintable(flag), error.what());
+            return misunderstood;
+        }
+        QDir().mkpath(options.folder);
+        Album album{QDir(options.folder)};
+        photograph(options, album);
+        return album.complete() ? 0 : 1;
+    } catch (const QSError &error) {
+        std::fprintf(stderr, "%s\n", error.what());
+        return 1;
     }
-    return photograph(arguments.at(at + 1));
 }
 } // namespace QSSnapshot

@@ -48,7 +48,18 @@ QSDocument sale()
     document.templateID = id;
     document.title = u"Sale of the green wagon"_s;
     document.values = form->profileValues(profile);
-    document.values.insert({{u"buyer_name"_s, u"Casimir Buyer"_s}, {u"price"_s, u"6250"_s}});
+    document.values.insert(
+        {{u"sale_date"_s, u"2027-03-01"_s},
+         {u"buyer_name"_s, u"Casimir Buyer"_s},
+         {u"buyer_address"_s, u"88 Ca\u00F1on Road, Pueblo, CO 81003"_s},
+         {u"vehicle_year"_s, u"2014"_s},
+         {u"vehicle_make"_s, u"Subaru"_s},
+         {u"vehicle_model"_s, u"Outback"_s},
+         {u"vehicle_color"_s, u"Green"_s},
+         {u"vin"_s, u"4S4BRBCC0E3200000"_s},
+         {u"odometer"_s, u"128450"_s},
+         {u"price"_s, u"6250"_s},
+         {u"known_problems"_s, u"Small dent in the rear bumper.\nThe radio is silent."_s}});
     document.state = u"CO"_s;
     return document;
 }

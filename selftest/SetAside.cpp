@@ -21,8 +21,14 @@ QString newID()
 }
 } // namespace
 
-SetAside::SetAside() : m_folder(QDir::temp().filePath(u"qs-selftest-"_s + newID()))
+SetAside::SetAside() : SetAside(u"qs-selftest-"_s + newID()) {}
+
+SetAside::SetAside(const QString &name)
+    : m_folder(QDir::temp().filePath(name)), m_lock(m_folder + u".lock"_s)
 {
+    static constexpr int longestRun = 60'000; // ms
+    m_lock.tryLock(longestRun);
+    QDir(m_folder).removeRecursively(); // of a run that was killed
     if (::mkdir(QFile::encodeName(m_folder).constData(), S_IRWXU) != 0) {
         throw QSError::invalid(u"The temporary folder %1 could not be made: %2"_s.arg(
             m_folder, qt_error_string(errno)));

@@ -1,5 +1,7 @@
 #include "QSStore.h"
 
+#include "TestFiles.h"
+
 #include <QDir>
 #include <QImage>
 #include <QProcess>
@@ -85,8 +87,10 @@ private Q_SLOTS:
         start(program, {u"--qs-snapshot"_s, album});
         QVERIFY(program.waitForFinished(120000));
         QCOMPARE(program.exitCode(), 0);
-        for (const QString &name : {u"templates"_s, u"editor"_s, u"documents"_s, u"search"_s}) {
-            const QImage picture(QDir(album).filePath(name + u".png"_s));
+        const QStringList pictures = QDir(album).entryList({u"*.png"_s});
+        QCOMPARE(pictures.size(), 16); // eight screens, and what else can be shown
+        for (const QString &name : pictures) {
+            const QImage picture(QDir(album).filePath(name));
             QVERIFY2(picture.width() > 400, qPrintable(name));
             QVERIFY2(colours(picture) > 20, qPrintable(name)); // more than an empty page
         }
@@ -95,10 +99,48 @@ private Q_SLOTS:
         }
         QVERIFY(!QDir(dataFolder()).exists());
 
-        QProcess folderless;
-        start(folderless, {u"--qs-snapshot"_s});
-        QVERIFY(folderless.waitForFinished(20000));
-        QCOMPARE(folderless.exitCode(), 2);
+        const QString again = m_home->filePath(u"again"_s);
+        const QString larger = m_home->filePath(u"larger"_s);
+        const QStringList options = {u"--theme"_s, u"rose-gold"_s, u"--zoom"_s,
+                                     u"150"_s,     u"--state"_s,   u"TX"_s};
+        for (const QStringList &arguments : {QStringList{again}, QStringList{larger} + options}) {
+            QProcess run;
+            start(run, QStringList{u"--qs-snapshot"_s} + arguments);
+            QVERIFY(run.waitForFinished(120000));
+            QCOMPARE(run.exitCode(), 0);
+        }
+        for (const QString &name : pictures) {
+            const QByteArray first = contents(QDir(album).filePath(name));
+            QVERIFY2(contents(QDir(again).filePath(name)) == first, qPrintable(name));
+            QVERIFY2(contents(QDir(larger).filePath(name)) != first, qPrintable(name));
+        }
+    }
+
+    void snapshotArgumentsThatMakeNoSenseAreRefused_data()
+    {
+        QTest::addColumn<QStringList>("arguments");
+        QTest::addColumn<QByteArray>("sentence");
+        QTest::newRow("no folder") << QStringList() << QByteArray("The folder to write into");
+        QTest::newRow("no value") << QStringList{u"out"_s, u"--theme"_s}
+                                  << QByteArray("--theme needs a value after it.");
+        QTest::newRow("unknown theme") << QStringList{u"out"_s, u"--theme"_s, u"pink"_s}
+                                       << QByteArray("There is no theme \"pink\".");
+        QTest::newRow("zoom out of range")
+            << QStringList{u"out"_s, u"--zoom"_s, u"300"_s} << QByteArray("from 85 to 200");
+        QTest::newRow("unknown state") << QStringList{u"out"_s, u"--state"_s, u"ZZ"_s}
+                                       << QByteArray("The directory has no state \"ZZ\".");
+        QTest::newRow("two folders")
+            << QStringList{u"out"_s, u"more"_s} << QByteArray("\"more\" is not understood.");
+    }
+    void snapshotArgumentsThatMakeNoSenseAreRefused()
+    {
+        QFETCH(const QStringList, arguments);
+        QProcess program;
+        start(program, QStringList{u"--qs-snapshot"_s} + arguments);
+        QVERIFY(program.waitForFinished(20000));
+        QCOMPARE(program.exitCode(), 2);
+        QFETCH(const QByteArray, sentence);
+        QVERIFY(program.readAllStandardError().contains(sentence));
     }
 
     void theWindowOpensWithoutResources()
