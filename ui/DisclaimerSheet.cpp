@@ -7,6 +7,8 @@
 
 #include <QLabel>
 #include <QPushButton>
+#include <QScreen>
+#include <QScrollArea>
 #include <QVBoxLayout>
 
 using namespace Qt::Literals::StringLiterals;
@@ -21,9 +23,13 @@ DisclaimerSheet::DisclaimerSheet(QWidget *parent) : QDialog(parent)
 
     auto *panel = new VxPanel(this);
     panel->column()->addWidget(VxText::make(title, VxText::Role::title, panel));
-    QLabel *text = VxText::make(QSDisclaimer::full, VxText::Role::body, panel);
-    text->setMinimumWidth(em * 32);
-    panel->column()->addWidget(text);
+    panel->column()->addWidget(VxText::make(QSDisclaimer::full, VxText::Role::body, panel));
+
+    auto *text = new QScrollArea(this);
+    text->setWidget(panel);
+    text->setWidgetResizable(true);
+    text->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    text->setAccessibleName(title);
 
     auto *understood = new QPushButton(u"I understand"_s, this);
     understood->setProperty("primary", true);
@@ -33,7 +39,9 @@ DisclaimerSheet::DisclaimerSheet(QWidget *parent) : QDialog(parent)
     auto *column = new QVBoxLayout(this);
     column->setContentsMargins(em, em, em, em);
     column->setSpacing(em);
-    column->addWidget(panel);
+    column->addWidget(text, 1);
     column->addWidget(understood, 0, Qt::AlignRight);
+    const QSize all(em * 36, panel->heightForWidth(em * 32) + em * 7);
+    resize(all.boundedTo(screen()->availableGeometry().size() * 9 / 10));
     understood->setFocus();
 }

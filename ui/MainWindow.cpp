@@ -41,6 +41,7 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -112,6 +113,31 @@ void MainWindow::addPage(QWidget *page)
     m_pages->addWidget(page);
     // Tab reaches the message and the footer after every page
     setTabOrder(m_message->followInTabOrder(VxWindow::lastTabStop(this)), m_disclaimer);
+}
+
+void MainWindow::dropPage(QWidget *page)
+{
+    m_pages->removeWidget(page);
+    const std::unique_ptr<QWidget> gone(page);
+}
+
+void MainWindow::dropHiddenPages()
+{
+    const QWidget *shown = m_pages->currentWidget();
+    for (const Screen screen : m_screens.keys()) {
+        if (m_screens.value(screen) != shown) {
+            dropPage(m_screens.take(screen));
+        }
+    }
+    if (m_results && m_results != shown) {
+        dropPage(std::exchange(m_results, nullptr));
+    }
+    if (m_editor && !m_model.editing()) {
+        dropPage(std::exchange(m_editor, nullptr));
+    }
+    if (m_formWindow && !m_model.openPDF()) {
+        m_formWindow.reset();
+    }
 }
 
 QWidget *MainWindow::screenPage()
@@ -243,6 +269,8 @@ void MainWindow::connectModel()
             m_sidebar->setCurrent(m_model.screen());
         },
         Qt::QueuedConnection);
+    connect(VellThemeRoot::instance(), &VellThemeRoot::aboutToChange, this,
+            &MainWindow::dropHiddenPages);
     connect(VellThemeRoot::instance(), &VellThemeRoot::changed, this, &MainWindow::arrangeHeader);
     connect(m_message, &VxMessageBar::dismissed, &m_model,
             [this] { m_model.setMessage(std::nullopt); });

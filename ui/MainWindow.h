@@ -51,6 +51,10 @@ private:
     /// The title stands above the state and the search where there is no room beside them.
     void arrangeHeader();
     void addPage(QWidget *page);
+    void dropPage(QWidget *page);
+    /// Pages that nobody sees are made anew when they are next shown; the editor stays while a
+    /// document is open in it.
+    void dropHiddenPages();
     [[nodiscard]] SearchView *results();
     [[nodiscard]] DocumentEditor *editor();
     void createWindow();

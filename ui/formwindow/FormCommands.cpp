@@ -3,7 +3,9 @@
 #include "AppModel.h"
 #include "FormEdits.h"
 #include "FormView.h"
+#include "VellHelpCommands.h"
 #include "VxIcon.h"
+#include "VxZoomCommands.h"
 #include "screens/ExportMenu.h"
 
 #include <QAction>
@@ -28,6 +30,7 @@ FormCommands::FormCommands(AppModel &model, FormEdits &edits, FormView &view, QW
     createEditMenu(edits);
     createViewMenu(view, sidebar);
     createGoMenu(view);
+    VellHelpCommands::fill(m_window->menuBar()->addMenu(u"&Help"_s));
 }
 
 void FormCommands::createFileMenu()
@@ -75,6 +78,8 @@ void FormCommands::createViewMenu(FormView &view, QWidget &sidebar)
     m_showPages->setCheckable(true);
     m_showPages->setChecked(true);
     connect(m_showPages, &QAction::toggled, &sidebar, &QWidget::setVisible);
+    menu->addSeparator();
+    VxZoomCommands::fillLevels(menu->addMenu(u"&Interface Size"_s));
 }
 
 void FormCommands::createGoMenu(FormView &view)

@@ -13,6 +13,7 @@
 #include "VxMemory.h"
 #include "VxMessageBar.h"
 #include "VxText.h"
+#include "VxToolButton.h"
 #include "VxWindow.h"
 #include "VxZoomHost.h"
 #include "screens/ExportMenu.h"
@@ -24,7 +25,6 @@
 #include <QPushButton>
 #include <QScreen>
 #include <QSplitter>
-#include <QToolButton>
 #include <QVBoxLayout>
 
 #include <memory>
@@ -132,7 +132,7 @@ QWidget *FormWindow::createTools()
 
 void FormWindow::addTool(QBoxLayout *row, QAction *action)
 {
-    auto *button = new QToolButton(row->parentWidget());
+    auto *button = new VxToolButton(row->parentWidget());
     button->setDefaultAction(action);
     button->setAutoRaise(true);
     const int em = fontMetrics().height();

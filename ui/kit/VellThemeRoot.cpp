@@ -93,6 +93,7 @@ void VellThemeRoot::refresh()
     const VellTheme theme = VellThemes::current();
     const double zoom = VxZoom::value();
     if (theme != shared->m_theme || !qFuzzyCompare(zoom, shared->m_zoom)) {
+        Q_EMIT shared->aboutToChange();
         shared->show(theme, zoom);
         Q_EMIT shared->changed();
     }

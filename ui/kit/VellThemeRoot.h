@@ -31,6 +31,9 @@ public:
     static void refresh();
 
 Q_SIGNALS:
+    /// Another one is about to be shown: what nobody sees had better go, for each widget takes its
+    /// time.
+    void aboutToChange();
     /// Another theme or zoom is shown.
     void changed();
 

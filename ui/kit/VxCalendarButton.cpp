@@ -11,7 +11,7 @@
 
 using namespace Qt::Literals::StringLiterals;
 
-VxCalendarButton::VxCalendarButton(QWidget *parent) : QToolButton(parent)
+VxCalendarButton::VxCalendarButton(QWidget *parent) : VxToolButton(parent)
 {
     setIcon(VxIcon::named(u"calendar"_s));
     setProperty("button", true);

@@ -1,10 +1,11 @@
 #pragma once
 
+#include "VxToolButton.h"
+
 #include <QDate>
-#include <QToolButton>
 
 /// A button that opens a month's calendar below itself; a click or Enter on a day picks it.
-class VxCalendarButton final : public QToolButton
+class VxCalendarButton final : public VxToolButton
 {
     Q_OBJECT
 

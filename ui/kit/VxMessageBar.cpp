@@ -3,13 +3,13 @@
 #include "VxIcon.h"
 #include "VxIconLabel.h"
 #include "VxText.h"
+#include "VxToolButton.h"
 
 #include <QAccessibleWidget>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QProgressBar>
 #include <QPushButton>
-#include <QToolButton>
 
 #include <memory>
 #include <utility>
@@ -38,7 +38,7 @@ VxMessageBar::VxMessageBar(QWidget *parent)
       m_text(VxText::make({}, VxText::Role::body, this)),
       m_busy(VxText::make({}, VxText::Role::body, this)),
       m_bar(new QProgressBar(this)),
-      m_dismiss(new QToolButton(this)),
+      m_dismiss(new VxToolButton(this)),
       m_stop(new QPushButton(u"Stop"_s, this))
 {
     QAccessible::installFactory(accessible); // once, however often it is called

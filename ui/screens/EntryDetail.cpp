@@ -10,6 +10,7 @@
 #include "VxPanel.h"
 #include "VxTallText.h"
 #include "VxText.h"
+#include "VxToolButton.h"
 
 #include <QGridLayout>
 #include <QHBoxLayout>
@@ -18,7 +19,6 @@
 #include <QMenu>
 #include <QPushButton>
 #include <QScrollBar>
-#include <QToolButton>
 #include <QVBoxLayout>
 
 using namespace Qt::Literals::StringLiterals;
@@ -148,7 +148,7 @@ void EntryDetail::createFacts(QVBoxLayout *column)
 
 void EntryDetail::createMore(QVBoxLayout *column)
 {
-    m_more = new QToolButton(this);
+    m_more = new VxToolButton(this);
     m_more->setText(u"More details"_s);
     m_more->setCheckable(true);
     m_more->setProperty("button", true);

@@ -76,6 +76,7 @@ TemplatesView::TemplatesView(AppModel &model, QWidget *parent)
 void TemplatesView::createList()
 {
     m_list->setAccessibleName(u"Templates"_s);
+    m_list->ensurePolished(); // so that rows are measured with the style sheet's padding
     m_list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     QFont bold = m_list->font();
     bold.setBold(true);
