@@ -22,7 +22,7 @@ Sidebar::Sidebar(QWidget *parent) : QFrame(parent), m_list(new QListWidget(this)
 {
     setObjectName(u"rail"_s);
     const int em = fontMetrics().height();
-    m_list->setObjectName(u"sidebar"_s);
+    m_list->setObjectName(u"screens"_s);
     m_list->ensurePolished(); // so that rows are measured with the style sheet's padding
     m_list->setAccessibleName(u"Screens"_s);
     m_list->setIconSize({em, em});

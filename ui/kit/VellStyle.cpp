@@ -76,13 +76,13 @@ QHeaderView { background: transparent; }
 QHeaderView::section { background: transparent; color: DIM; border: none;
   border-bottom: 1px solid LINE; padding: 0.4em 0.6em; font-weight: 600; }
 
-QListView#sidebar { background: transparent; border: none; border-radius: 0; }
-QListView#sidebar:focus { border: none; }
-QListView#sidebar::item { border: 2px solid transparent; border-left: 0.3em solid transparent;
+QListView#screens { background: transparent; border: none; border-radius: 0; }
+QListView#screens:focus { border: none; }
+QListView#screens::item { border: 2px solid transparent; border-left: 0.3em solid transparent;
   border-radius: 0.5em; padding: 0.5em; }
-QListView#sidebar::item:selected { background: SELECTED; color: TEXT;
+QListView#screens::item:selected { background: SELECTED; color: TEXT;
   border-left: 0.3em solid ACCENT; }
-QListView#sidebar::item:selected:focus { border: 2px solid RING; border-left: 0.3em solid RING; }
+QListView#screens::item:selected:focus { border: 2px solid RING; border-left: 0.3em solid RING; }
 QFrame#rail { background: qlineargradient(x1:0, y1:0, x2:0, y2:1, stop:0 PANELTOP,
   stop:1 PANELBOTTOM); border: none; border-right: 1px solid EDGE; }
 QFrame#footer { background: PANELBOTTOM; border: none; border-top: 1px solid EDGE; }
