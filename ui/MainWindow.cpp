@@ -70,16 +70,23 @@ constexpr std::array<MakeScreen, Screens::all.size()> makers = {
     make<ProfileView>, make<LastCheckedView>, make<LegalAidView>,  make<SettingsView>,
 };
 
+/// Whether the page is the screen that shows by itself how far the check of links is.
+bool showsCheck(const AppModel &model)
+{
+    return model.screen() == Screen::lastChecked && !model.editing() &&
+           model.search().trimmed().isEmpty();
+}
+
 /// What the model is busy with, for the message line.
 VxMessageBar::Work work(const AppModel &model)
 {
-    if (model.busy()) { // the check of links has its own place on its screen
+    if (model.busy()) {
         return {.text = *model.busy(),
                 .done = model.busyProgress().done,
                 .total = model.busyProgress().total,
                 .stoppable = model.canStopBusy()};
     }
-    if (model.checking()) {
+    if (model.checking() && !showsCheck(model)) {
         return {.text = u"Checking official links"_s,
                 .done = model.checking()->done,
                 .total = model.checking()->total,
@@ -103,7 +110,6 @@ MainWindow::MainWindow(AppModel &model)
     connectModel();
     showPage();
     showMessage();
-    showWork();
 }
 
 MainWindow::~MainWindow() = default;
@@ -314,6 +320,7 @@ void MainWindow::showPage()
         m_pages->currentWidget()->setFocus();
     }
     showTitle();
+    showWork();
 }
 
 void MainWindow::showTitle()

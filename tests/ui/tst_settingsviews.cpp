@@ -2,6 +2,7 @@
 #include "QSDirectory.h"
 #include "QSNet.h"
 #include "TestFiles.h"
+#include "VxMessageBar.h"
 #include "VxZoom.h"
 #include "WindowFixture.h"
 #include "screens/LastCheckedView.h"
@@ -61,9 +62,11 @@ private Q_SLOTS:
         QVERIFY(rows().filter(u" (Federal), Listed & checked "_s + listed).size() > 1);
         QVERIFY(rows().filter(u" (California), Checked by hand "_s + listed).size() > 1);
         QCOMPARE(rows().filter(u", Saved copy"_s).size(), 0);
-        saveCopy(); // and the link has a problem
-        QSStore::shared()->recordLinkCheck(
-            {form().url, QDateTime::currentDateTimeUtc(), 404, false, {}, {}, {}});
+        saveCopy(); // and the link has a problem, as one has that is no form's
+        const QString page = QSDirectory::shared().jurisdiction(u"CO")->selfHelp;
+        const QDateTime now = QDateTime::currentDateTimeUtc();
+        QSStore::shared()->recordLinkCheck({form().url, now, 404, false, {}, {}, {}});
+        QSStore::shared()->recordLinkCheck({page, now, 0, false, {}, {}, u"no answer"_s});
         QSStore::shared()->touch();
         const QString broken =
             u"%1 (Federal), Link checked online %2, Saved copy downloaded %2, Link problem"_s.arg(
@@ -73,10 +76,16 @@ private Q_SLOTS:
         choose(u"Show"_s, u"Only what needs attention"_s);
         QVERIFY(texts().contains(
             u"%1 item(s) need attention (marked below)."_s.arg(table()->model()->rowCount())));
+        QCOMPARE(rows().size(), 2);
+        QVERIFY(rows().constLast().startsWith(u"Colorado self-help, Link checked online "_s));
+        QVERIFY(rows().constLast().endsWith(u"Reason: no answer"_s));
         table()->setFocus();
+        press(Qt::Key_End, Qt::ControlModifier);
+        QVERIFY(texts().contains(rows().constLast()));
+        press(Qt::Key_Return); // it is on no screen of the program
+        QCOMPARE(m_desktop->browsed, QList<QUrl>{QUrl(page)});
         press(Qt::Key_Home, Qt::ControlModifier);
-        QVERIFY(texts().contains(rows().constFirst()));
-        press(Qt::Key_Return);
+        named<QPushButton>(u"Show, %1 (Federal)"_s.arg(form().displayTitle()))->click();
         QCOMPARE(m_model->screen(), Screen::forms);
         QCOMPARE(m_model->selectedEntryID(), form().id);
     }
@@ -88,7 +97,12 @@ private Q_SLOTS:
         check->setFocus();
         press(Qt::Key_Space);
         QCOMPARE(shown<QProgressBar>()->maximum(), m_model->checking()->total);
-        button(u"Stop"_s)->setFocus();
+        const auto *bar = m_window->findChild<VxMessageBar *>();
+        QVERIFY(bar->isVisible());
+        m_model->show(Screen::lastChecked);
+        QVERIFY(!bar->isVisible());
+        QVERIFY(!check->isEnabled());
+        QCOMPARE(focused(), button(u"Stop"_s));
         press(Qt::Key_Return);
         QTRY_VERIFY(!m_model->checking());
         QVERIFY(m_model->message()->startsWith(u"The check was stopped after "_s));

@@ -79,7 +79,7 @@ void FormCommands::createViewMenu(FormView &view, QWidget &sidebar)
     m_showPages->setChecked(true);
     connect(m_showPages, &QAction::toggled, &sidebar, &QWidget::setVisible);
     menu->addSeparator();
-    VxZoomCommands::fillLevels(menu->addMenu(u"&Interface Size"_s));
+    VxZoomCommands::fillLevels(menu->addMenu(u"Interface Si&ze"_s));
 }
 
 void FormCommands::createGoMenu(FormView &view)

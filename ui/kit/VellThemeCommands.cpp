@@ -1,30 +1,17 @@
 #include "VellThemeCommands.h"
 
 #include "VellTheme.h"
-#include "VellThemeRoot.h"
-
-#include <QActionGroup>
-#include <QMenu>
+#include "VxChoiceMenu.h"
 
 namespace VellThemeCommands {
 void fill(QMenu *menu)
 {
-    auto *group = new QActionGroup(menu);
+    QList<VxChoiceMenu::Choice> choices;
     for (const VellTheme &theme : VellThemes::all()) {
-        QAction *action = menu->addAction(theme.name);
-        action->setCheckable(true);
-        action->setData(theme.id);
-        group->addAction(action);
+        choices.append({theme.name, theme.id});
     }
-    QObject::connect(group, &QActionGroup::triggered, menu, [](const QAction *chosen) {
-        VellThemes::setCurrentID(chosen->data().toString());
-    });
-    const auto tick = [group] {
-        for (QAction *action : group->actions()) {
-            action->setChecked(action->data().toString() == VellThemes::current().id);
-        }
-    };
-    QObject::connect(menu, &QMenu::aboutToShow, group, tick);
-    tick();
+    VxChoiceMenu::fill(
+        menu, choices, [] { return QVariant(VellThemes::current().id); },
+        [](const QVariant &id) { VellThemes::setCurrentID(id.toString()); });
 }
 } // namespace VellThemeCommands

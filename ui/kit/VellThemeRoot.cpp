@@ -106,12 +106,12 @@ void VellThemeRoot::show(const VellTheme &theme, double zoom)
         window->setUpdatesEnabled(false);
     }
     if (!qFuzzyCompare(zoom, m_zoom) || m_theme.id.isEmpty()) {
-        QFont font = m_font;
-        font.setPointSizeF(m_font.pointSizeF() * zoom);
-        QApplication::setFont(font);
         for (QWidget *window : windows) {
             VxScale::scale(window, zoom / m_zoom);
         }
+        QFont font = m_font; // after the lengths: those that nobody set go by it
+        font.setPointSizeF(m_font.pointSizeF() * zoom);
+        QApplication::setFont(font);
     }
     m_theme = theme;
     m_zoom = zoom;

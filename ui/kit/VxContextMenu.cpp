@@ -2,6 +2,7 @@
 
 #include <QAbstractItemView>
 #include <QMenu>
+#include <QPushButton>
 
 namespace VxContextMenu {
 void attach(QAbstractItemView *view, const std::function<void(QMenu *)> &fill)
@@ -19,5 +20,15 @@ void attach(QAbstractItemView *view, const std::function<void(QMenu *)> &fill)
         menu->popup(view->viewport()->mapToGlobal(place.contains(mouse) ? mouse : place.center()));
     };
     QObject::connect(view, &QWidget::customContextMenuRequested, view, popUp);
+}
+
+void addButtons(QMenu *menu, const QList<QPushButton *> &buttons)
+{
+    for (QPushButton *button : buttons) {
+        if (!button->isHidden()) {
+            menu->addAction(button->icon(), button->text(), button, &QPushButton::click)
+                ->setEnabled(button->isEnabled());
+        }
+    }
 }
 } // namespace VxContextMenu

@@ -1,9 +1,9 @@
 #include "VxZoomCommands.h"
 
+#include "VxChoiceMenu.h"
 #include "VxIcon.h"
 #include "VxZoom.h"
 
-#include <QActionGroup>
 #include <QMenu>
 
 using namespace Qt::Literals::StringLiterals;
@@ -24,24 +24,12 @@ void fill(QMenu *menu)
 
 void fillLevels(QMenu *menu)
 {
-    auto *group = new QActionGroup(menu);
+    QList<VxChoiceMenu::Choice> choices;
     for (int level : VxZoom::levels) {
-        QAction *action = menu->addAction(VxZoom::levelTitle(level));
-        action->setCheckable(true);
-        action->setData(level);
-        group->addAction(action);
+        choices.append({VxZoom::levelTitle(level), level});
     }
-    QObject::connect(group, &QActionGroup::triggered, menu, [](const QAction *chosen) {
-        VxZoom::setValue(chosen->data().toInt() / 100.0);
-    });
-    // between two levels none is ticked
-    group->setExclusionPolicy(QActionGroup::ExclusionPolicy::ExclusiveOptional);
-    const auto tick = [group] {
-        for (QAction *action : group->actions()) {
-            action->setChecked(action->data().toInt() == qRound(VxZoom::value() * 100));
-        }
-    };
-    QObject::connect(menu, &QMenu::aboutToShow, group, tick);
-    tick();
+    VxChoiceMenu::fill(
+        menu, choices, [] { return QVariant(qRound(VxZoom::value() * 100)); },
+        [](const QVariant &level) { VxZoom::setValue(level.toInt() / 100.0); });
 }
 } // namespace VxZoomCommands

@@ -5,6 +5,7 @@
 #include "QSDate.h"
 #include "QSDirectory.h"
 #include "VxButton.h"
+#include "VxContextMenu.h"
 #include "VxFlow.h"
 #include "VxIconLabel.h"
 #include "VxPanel.h"
@@ -16,7 +17,6 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLocale>
-#include <QMenu>
 #include <QPushButton>
 #include <QScrollBar>
 #include <QVBoxLayout>
@@ -246,10 +246,7 @@ void EntryDetail::act()
 
 void EntryDetail::fillMenu(QMenu *menu) const
 {
-    for (QPushButton *button : {m_main, m_page, m_recheck, m_showCopy}) {
-        if (m_entry && button->isVisibleTo(this)) {
-            menu->addAction(button->icon(), button->text(), button, &QPushButton::click)
-                ->setEnabled(button->isEnabled());
-        }
+    if (m_entry) {
+        VxContextMenu::addButtons(menu, {m_main, m_page, m_recheck, m_showCopy});
     }
 }

@@ -1,6 +1,5 @@
 #include "EntryList.h"
 
-#include "FormsModel.h"
 #include "VellThemeRoot.h"
 
 #include <QIcon>
@@ -27,7 +26,7 @@ QFont bold(QFont font)
 
 bool isHeading(const QModelIndex &index)
 {
-    return !index.data(FormsModel::idRole).isValid();
+    return !index.data(EntryList::idRole).isValid();
 }
 
 /// The parts of a row from a point on down.
@@ -49,15 +48,15 @@ QList<Part> parts(const QModelIndex &index, const QFont &font, QRect row)
         return found;
     }
     add(title, bold(font), index.data(Qt::DecorationRole).value<QIcon>(), false);
-    add(index.data(FormsModel::aboutRole).toString(), font, {}, true);
-    const bool fine = index.data(FormsModel::levelRole).toInt() == 0;
-    const QString status = index.data(FormsModel::statusRole).toString();
+    add(index.data(EntryList::aboutRole).toString(), font, {}, true);
+    const bool fine = index.data(EntryList::levelRole).toInt() == 0;
+    const QString status = index.data(EntryList::statusRole).toString();
     if (status.isEmpty()) {
         return found;
     }
     const int room = found.constLast().rect.width();
     add(fine ? metrics.elidedText(status, Qt::ElideRight, room) : status, font,
-        index.data(FormsModel::statusIconRole).value<QIcon>(), fine);
+        index.data(EntryList::statusIconRole).value<QIcon>(), fine);
     return found;
 }
 

@@ -2,14 +2,24 @@
 
 #include <QListView>
 
-/// A list of rows in the roles of a FormsModel: a title, what it is about and the status of its
-/// link (where it has one), wrapped to the list's width; headings in bold. A status that needs
-/// attention is never cut and stands out by its icon and by brighter text.
+/// A list of rows: a title, what it is about and the status of its link (where it has one), wrapped
+/// to the list's width; headings in bold. A status that needs attention is never cut and stands out
+/// by its icon and by brighter text.
 class EntryList final : public QListView
 {
     Q_OBJECT
 
 public:
+    /// Texts and icons besides the title (display) and the icon before it (decoration). A heading
+    /// has none of them.
+    enum Role {
+        idRole = Qt::UserRole,
+        aboutRole,
+        statusRole, ///< the status's sentence
+        statusIconRole,
+        levelRole ///< of the status
+    };
+
     explicit EntryList(QWidget *parent = nullptr);
 
 protected:

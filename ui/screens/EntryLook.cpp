@@ -4,6 +4,8 @@
 #include "QSThemes.h"
 #include "VxIcon.h"
 
+#include <QUrl>
+
 using namespace Qt::Literals::StringLiterals;
 
 namespace EntryLook {
@@ -24,6 +26,11 @@ QString kind(const QSEntry &entry)
                : label;
 }
 
+QString about(const QSEntry &entry)
+{
+    return entry.agency + u" \u00B7 "_s + kind(entry);
+}
+
 QString kindSymbol(const QSEntry &entry)
 {
     return QSKinds::info(entry.kind).symbol.toString();
@@ -42,6 +49,12 @@ QColor statusColour(int level)
 QIcon statusIcon(const QSStatus::S &status)
 {
     return VxIcon::named(status.symbol, statusColour(status.level));
+}
+
+QString siteOf(const QString &url)
+{
+    const QString host = QUrl(url).host();
+    return host.startsWith("www."_L1) ? host.mid(4) : host;
 }
 
 QString buttonText(const QString &text)

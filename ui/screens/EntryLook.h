@@ -13,12 +13,16 @@ namespace EntryLook {
 [[nodiscard]] QString mainAction(const QSEntry &entry);
 /// "Official PDF · print and fill by hand"
 [[nodiscard]] QString kind(const QSEntry &entry);
+/// Agency and kind.
+[[nodiscard]] QString about(const QSEntry &entry);
 [[nodiscard]] QString kindSymbol(const QSEntry &entry);
 [[nodiscard]] QIcon kindIcon(const QSEntry &entry);
 /// The status's own shape; what needs attention has a colour besides.
 [[nodiscard]] QIcon statusIcon(const QSStatus::S &status);
 /// The colour that stands for a status's level.
 [[nodiscard]] QColor statusColour(int level);
+/// The site of an address, "nycourts.gov"; without the "www.", which tells nobody anything.
+[[nodiscard]] QString siteOf(const QString &url);
 /// A button's text that shows its ampersands instead of underlining what follows them.
 [[nodiscard]] QString buttonText(const QString &text);
 } // namespace EntryLook

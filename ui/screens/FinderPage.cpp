@@ -12,7 +12,6 @@
 #include <QLabel>
 #include <QPushButton>
 #include <QStyle>
-#include <QUrl>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -41,7 +40,7 @@ bool lacksForm(const QSFinderResult &found)
 
 QString about(const QSEntry &entry)
 {
-    const QString text = entry.agency + u" \u00B7 "_s + EntryLook::kind(entry);
+    const QString text = EntryLook::about(entry);
     return entry.opensInBrowser() ? text + u" \u00B7 opens in your browser"_s : text;
 }
 
@@ -196,8 +195,11 @@ void FinderPage::createFeePages(const QList<QSFinderResult::FeePage> &pages)
 
 void FinderPage::createSelfHelp(const QSJurisdiction &state)
 {
+    if (state.selfHelp.isEmpty()) {
+        return;
+    }
     addLink(addSection(u"Official self-help center"_s), u"Self-help center for "_s + state.name,
-            QUrl(state.selfHelp).host(), state.selfHelp);
+            EntryLook::siteOf(state.selfHelp), state.selfHelp);
 }
 
 void FinderPage::createTemplates(const QList<QSTemplate> &templates)
@@ -269,6 +271,10 @@ FinderPage::Row FinderPage::addRow(QVBoxLayout *section, const RowText &text)
 void FinderPage::addLink(QVBoxLayout *section, const QString &title, const QString &about,
                          const QString &url)
 {
+    if (url.isEmpty()) {
+        addTexts(section, title, about, VxText::Role::note);
+        return;
+    }
     const Row row = addRow(
         section,
         {.title = title, .about = about, .action = u"Open"_s, .symbol = {}, .browses = true});

@@ -64,6 +64,7 @@ private:
     /// A heading with a panel below it; gives the panel's column.
     QVBoxLayout *addSection(const QString &heading);
     Row addRow(QVBoxLayout *section, const RowText &text);
+    /// Without an address the texts stand alone.
     void addLink(QVBoxLayout *section, const QString &title, const QString &about,
                  const QString &url);
     void connectLink(QPushButton *button, const QString &url);

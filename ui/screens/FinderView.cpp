@@ -3,7 +3,6 @@
 #include "AppModel.h"
 #include "EntryList.h"
 #include "FinderPage.h"
-#include "FormsModel.h"
 #include "QSFinder.h"
 #include "VxIcon.h"
 #include "VxSplit.h"
@@ -23,8 +22,8 @@ QStandardItem *makeItem(const QSTask &task)
 {
     auto *item = new QStandardItem(VxIcon::named(task.symbol), task.title); // its model owns it
     item->setEditable(false);
-    item->setData(task.id, FormsModel::idRole);
-    item->setData(task.detail, FormsModel::aboutRole);
+    item->setData(task.id, EntryList::idRole);
+    item->setData(task.detail, EntryList::aboutRole);
     item->setData(QString(task.title + u", "_s + task.detail), Qt::AccessibleTextRole);
     return item;
 }
@@ -67,7 +66,7 @@ void FinderView::connectModel()
     connect(m_list->selectionModel(), &QItemSelectionModel::currentChanged, this,
             [this](const QModelIndex &current) {
                 if (current.isValid()) {
-                    m_model.setFinderTask(current.data(FormsModel::idRole).toString());
+                    m_model.setFinderTask(current.data(EntryList::idRole).toString());
                 }
             });
     const auto reloadIfShown = [this] {
@@ -104,7 +103,7 @@ void FinderView::reload()
 void FinderView::showTask()
 {
     const QString id = m_model.finderTaskID().value_or(QString());
-    const QModelIndexList found = m_tasks.match(m_tasks.index(0, 0), FormsModel::idRole, id, 1,
+    const QModelIndexList found = m_tasks.match(m_tasks.index(0, 0), EntryList::idRole, id, 1,
                                                 Qt::MatchExactly | Qt::MatchCaseSensitive);
     m_list->setCurrentIndex(found.value(0)); // also of none: focus alone would choose the first
 }

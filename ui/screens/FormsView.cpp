@@ -39,7 +39,7 @@ FormsView::FormsView(AppModel &model, QWidget *parent)
     auto *left = new QWidget(this);
     auto *column = new QVBoxLayout(left);
     column->setContentsMargins({});
-    column->addWidget(m_category);
+    column->addLayout(createChoice());
     column->addWidget(m_empty, 1);
     column->addWidget(m_list, 1);
     auto *row = new QHBoxLayout(this);
@@ -48,11 +48,23 @@ FormsView::FormsView(AppModel &model, QWidget *parent)
     connectList();
 }
 
-void FormsView::createList()
+QLayout *FormsView::createChoice()
 {
     m_category->setAccessibleName(u"Category"_s);
     m_category->setToolTip(u"Show the forms of one category or of all"_s);
     m_category->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+    m_category->setIconSize({0, 0}); // there are none, and no room is kept for them
+    auto *label = new QLabel(m_category->accessibleName(), this);
+    label->setBuddy(m_category);
+    auto *row = new QHBoxLayout;
+    row->setSpacing(fontMetrics().height() / 2);
+    row->addWidget(label);
+    row->addWidget(m_category, 1);
+    return row;
+}
+
+void FormsView::createList()
+{
     m_empty->setAlignment(Qt::AlignTop);
     m_list->setAccessibleName(u"Official forms"_s);
     m_list->setModel(&m_forms);

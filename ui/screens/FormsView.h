@@ -8,6 +8,7 @@ class AppModel;
 class EntryDetail;
 class EntryList;
 class QLabel;
+class QLayout;
 class VxComboBox;
 
 /// Official Forms: the chosen state's and the federal forms by category on the left, one category
@@ -26,6 +27,7 @@ protected:
     void focusInEvent(QFocusEvent *event) override;
 
 private:
+    [[nodiscard]] QLayout *createChoice();
     void createList();
     void connectList();
     void reload();

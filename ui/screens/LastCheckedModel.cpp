@@ -24,7 +24,8 @@ QString place(const Row &row)
 
 QString form(const Row &row)
 {
-    return u"%1 (%2)"_s.arg(row.entry.displayTitle(), place(row));
+    return row.entry.id.isEmpty() ? row.entry.title // which names the place
+                                  : u"%1 (%2)"_s.arg(row.entry.displayTitle(), place(row));
 }
 
 QString checked(const Row &row)
@@ -56,7 +57,7 @@ struct Column
 };
 
 constexpr std::array columns = {
-    Column{u"Form", form, [](const Row &row) { return QVariant(form(row)); }},
+    Column{u"Form or page", form, [](const Row &row) { return QVariant(form(row)); }},
     Column{u"Last checked", checked, [](const Row &row) { return QVariant(row.checked.date); }},
     Column{u"Saved copy", copy,
            [](const Row &row) { return row.downloaded ? QVariant(*row.downloaded) : QVariant(); }},
@@ -64,47 +65,30 @@ constexpr std::array columns = {
 constexpr int formColumn = 0;
 constexpr int statusColumn = 3;
 
+QString withNote(const QString &text, const Row &row)
+{
+    return row.note.isEmpty() ? text : u"%1 Reason: %2"_s.arg(text, row.note);
+}
+
 QString whole(const Row &row)
 {
     QStringList texts;
     for (const Column &column : columns) {
         texts.append(column.text(row));
     }
-    return texts.join(u", "_s);
+    return withNote(texts.join(u", "_s), row);
 }
 } // namespace
 
-void LastCheckedModel::setRows(const QList<Row> &rows)
-{
-    const auto id = [](const Row &row) { return row.entry.id; };
-    if (!std::ranges::equal(rows, m_rows, {}, id, id)) {
-        beginResetModel();
-        m_rows = rows;
-        endResetModel();
-        return;
-    }
-    for (int row = 0; row < rows.size(); ++row) {
-        if (m_rows.at(row) != rows.at(row)) {
-            m_rows[row] = rows.at(row);
-            Q_EMIT dataChanged(index(row, 0), index(row, columnCount() - 1));
-        }
-    }
-}
-
 const QSEntry *LastCheckedModel::entryAt(int row) const
 {
-    return row >= 0 && row < m_rows.size() ? &m_rows.at(row).entry : nullptr;
+    return row >= 0 && row < rows().size() ? &rows().at(row).entry : nullptr;
 }
 
 int LastCheckedModel::attentionCount() const
 {
     return static_cast<int>(
-        std::ranges::count_if(m_rows, [](const Row &row) { return row.status.level > 0; }));
-}
-
-int LastCheckedModel::rowCount(const QModelIndex &parent) const
-{
-    return parent.isValid() ? 0 : static_cast<int>(m_rows.size());
+        std::ranges::count_if(rows(), [](const Row &row) { return row.status.level > 0; }));
 }
 
 int LastCheckedModel::columnCount(const QModelIndex &parent) const
@@ -117,12 +101,13 @@ QVariant LastCheckedModel::data(const QModelIndex &index, int role) const
     if (!checkIndex(index, CheckIndexOption::IndexIsValid)) {
         return {};
     }
-    const Row &row = m_rows.at(index.row());
+    const Row &row = rows().at(index.row());
     const Column &column = columns.at(static_cast<std::size_t>(index.column()));
     switch (role) {
     case Qt::DisplayRole:
-    case Qt::ToolTipRole:
         return column.text(row);
+    case Qt::ToolTipRole:
+        return withNote(column.text(row), row);
     case Qt::AccessibleTextRole: // the first cell is where the arrow keys lead
         return index.column() == formColumn ? whole(row) : column.text(row);
     case Qt::DecorationRole:

@@ -6,11 +6,11 @@
 #include "QSDirectory.h"
 #include "VxButton.h"
 #include "VxComboBox.h"
-#include "VxIcon.h"
+#include "VxContextMenu.h"
+#include "VxFlow.h"
 #include "VxIconLabel.h"
 #include "VxText.h"
 
-#include <QAction>
 #include <QFileInfo>
 #include <QFocusEvent>
 #include <QHBoxLayout>
@@ -18,6 +18,7 @@
 #include <QLabel>
 #include <QProgressBar>
 #include <QPushButton>
+#include <QSet>
 #include <QTableView>
 #include <QVBoxLayout>
 
@@ -35,7 +36,7 @@ public:
 protected:
     void resizeEvent(QResizeEvent *event) override
     {
-        static constexpr std::array percent = {32, 23, 19, 26};
+        static constexpr std::array percent = {30, 23, 21, 26};
         for (std::size_t column = 0; column < percent.size(); ++column) {
             setColumnWidth(static_cast<int>(column),
                            viewport()->width() * percent.at(column) / 100);
@@ -43,6 +44,46 @@ protected:
         QTableView::resizeEvent(event);
     }
 };
+
+/// The directory's entries, then its other links as LastCheckedRow has them.
+QList<QSEntry> readLinks()
+{
+    const QSDirectory &directory = QSDirectory::shared();
+    QList<QSEntry> found = directory.entries;
+    QSet<QString> listed;
+    for (const QSEntry &entry : directory.entries) {
+        listed.insert(entry.url);
+    }
+    for (const QSDirectory::Link &link : directory.allLinks()) {
+        if (!listed.contains(link.url)) {
+            QSEntry page;
+            page.title = link.label;
+            page.url = link.url;
+            found.append(page);
+        }
+    }
+    return found;
+}
+
+const QList<QSEntry> &links()
+{
+    static const QList<QSEntry> once = readLinks();
+    return once;
+}
+
+/// Why links failed their last check, by address.
+QHash<QString, QString> readNotes()
+{
+    QHash<QString, QString> found;
+    try {
+        for (const QSLinkCheck &check :
+             AppModel::store() ? AppModel::store()->linkChecks() : QList<QSLinkCheck>()) {
+            found.insert(check.url, check.note);
+        }
+    } catch (const QSError &) { // the model, which reads them for the status, says so
+    }
+    return found;
+}
 } // namespace
 
 LastCheckedView::LastCheckedView(AppModel &model, QWidget *parent)
@@ -59,10 +100,12 @@ LastCheckedView::LastCheckedView(AppModel &model, QWidget *parent)
       m_filter(new VxComboBox(this)),
       m_sort(new VxComboBox(this)),
       m_table(new SharedTable(this)),
-      m_current(VxText::make({}, VxText::Role::note, this))
+      m_current(VxText::make({}, VxText::Role::note, this)),
+      m_show(VxButton::make(u"Show"_s, u"building.columns.fill"_s, this)),
+      m_page(VxButton::make(u"Official page"_s, u"safari.fill"_s, this)),
+      m_main(VxButton::make({}, u"doc.text.fill"_s, this))
 {
     createTable();
-    createActions();
     auto *column = new QVBoxLayout(this);
     column->setContentsMargins({});
     column->setSpacing(fontMetrics().height() / 2);
@@ -71,8 +114,11 @@ LastCheckedView::LastCheckedView(AppModel &model, QWidget *parent)
     column->addLayout(createChoices());
     column->addWidget(m_table, 1);
     column->addWidget(m_current);
+    column->addLayout(createActions());
     connectTable();
+    connectActions();
     connectModel();
+    enableCheck();
     showChecking();
 }
 
@@ -115,7 +161,7 @@ QLayout *LastCheckedView::createCheck()
 QLayout *LastCheckedView::createChoices()
 {
     m_filter->setAccessibleName(u"Show"_s);
-    m_filter->addItems({u"All forms"_s, u"Only what needs attention"_s});
+    m_filter->addItems({u"All links"_s, u"Only what needs attention"_s});
     m_sort->setAccessibleName(u"Sort by"_s);
     m_sort->addItem(u"Directory order"_s);
     for (int column = 0; column < m_rows.columnCount(); ++column) {
@@ -151,6 +197,7 @@ void LastCheckedView::createTable()
     m_table->verticalHeader()->hide();
     m_table->setIconSize({em, em});
     m_table->verticalHeader()->setDefaultSectionSize(em * 15 / 4); // three lines
+    m_table->setMinimumHeight(em * 10);                            // two rows
     QHeaderView *header = m_table->horizontalHeader();
     header->setHighlightSections(false);
     header->setSectionResizeMode(QHeaderView::Fixed);
@@ -160,25 +207,33 @@ void LastCheckedView::createTable()
     m_current->setAlignment(Qt::AlignTop);
 }
 
-void LastCheckedView::createActions()
+QLayout *LastCheckedView::createActions()
 {
-    const auto add = [this](const QString &text, const QString &symbol, auto act) {
-        auto *action = new QAction(VxIcon::named(symbol), text, this);
-        connect(action, &QAction::triggered, this, [this, act] {
+    auto *flow = new VxFlow;
+    flow->setSpacing(fontMetrics().height() / 2);
+    for (QPushButton *button : {m_show, m_page, m_main}) {
+        flow->addWidget(button);
+    }
+    return flow;
+}
+
+void LastCheckedView::connectActions()
+{
+    const auto act = [this](const QPushButton *button, auto action) {
+        connect(button, &QPushButton::clicked, this, [this, action] {
             if (const QSEntry *entry = current()) {
-                act(QSEntry(*entry));
+                action(QSEntry(*entry));
             }
         });
-        m_table->addAction(action);
-        return action;
     };
-    QAction *show = add(u"Show"_s, u"building.columns.fill"_s,
-                        [this](const QSEntry &entry) { m_model.showEntry(entry.id); });
-    add(u"Official page"_s, u"safari.fill"_s,
-        [this](const QSEntry &entry) { m_model.openOfficialPage(entry); });
-    m_main = add({}, u"doc.text.fill"_s, [this](const QSEntry &entry) { m_model.open(entry); });
-    m_table->setContextMenuPolicy(Qt::ActionsContextMenu);
-    connect(m_table, &QTableView::activated, show, &QAction::trigger);
+    act(m_show, [this](const QSEntry &entry) { m_model.showEntry(entry.id); });
+    act(m_page, [this](const QSEntry &entry) { m_model.openOfficialPage(entry); });
+    act(m_main, [this](const QSEntry &entry) { m_model.open(entry); });
+    connect(m_table, &QTableView::activated, this,
+            [this] { (m_show->isEnabled() ? m_show : m_page)->click(); });
+    VxContextMenu::attach(m_table, [this](QMenu *menu) {
+        VxContextMenu::addButtons(menu, {m_show, m_page, m_main});
+    });
 }
 
 void LastCheckedView::connectTable()
@@ -222,12 +277,15 @@ void LastCheckedView::focusInEvent(QFocusEvent *event)
 
 void LastCheckedView::reload()
 {
+    const QHash<QString, QString> notes = readNotes();
     QList<LastCheckedModel::Row> rows;
-    for (const QSEntry &entry : QSDirectory::shared().entries) {
+    for (const QSEntry &entry : links()) {
+        const QSStatus::S status = m_model.linkStatus(entry);
         rows.append({.entry = entry,
-                     .status = m_model.linkStatus(entry),
+                     .status = status,
                      .checked = m_model.lastChecked(entry),
-                     .downloaded = downloaded(entry)});
+                     .downloaded = downloaded(entry),
+                     .note = status.level == 2 ? notes.value(entry.url) : QString()});
     }
     m_rows.setRows(rows);
     showCount();
@@ -250,27 +308,25 @@ std::optional<QDateTime> LastCheckedView::downloaded(const QSEntry &entry)
 
 void LastCheckedView::showCount()
 {
-    const QSDirectory &directory = QSDirectory::shared();
+    const bool loaded = QSDirectory::loadError().isEmpty();
     const int count = m_rows.attentionCount();
-    m_summary->setText(
-        directory.entries.isEmpty()
-            ? QSDirectory::loadError()
-            : u"Every official link in this version was opened and checked on %1."_s.arg(
-                  QSDate::longText(directory.checked)));
-    m_countIcon->setSymbol(count > 0 ? u"exclamationmark.triangle.fill"_s
-                                     : u"checkmark.seal.fill"_s,
-                           EntryLook::statusColour(count > 0 ? 1 : 0));
-    m_count->setText(count > 0 ? u"%1 item(s) need attention (marked below)."_s.arg(count)
-                               : u"No stale or broken links right now."_s);
+    m_summary->setText(u"Every official link in this version was opened and checked on %1."_s.arg(
+        QSDate::longText(QSDirectory::shared().checked)));
+    m_summary->setVisible(loaded);
+    const bool fine = loaded && count == 0;
+    m_countIcon->setSymbol(fine ? u"checkmark.seal.fill"_s : u"exclamationmark.triangle.fill"_s,
+                           EntryLook::statusColour(fine ? 0 : 1));
+    m_count->setText(!loaded     ? QSDirectory::loadError()
+                     : count > 0 ? u"%1 item(s) need attention (marked below)."_s.arg(count)
+                                 : u"No stale or broken links right now."_s);
 }
 
 void LastCheckedView::showChecking()
 {
     const std::optional<AppModel::Progress> checking = m_model.checking();
-    if (!checking && m_stop->hasFocus()) {
-        m_check->setFocus();
+    if (checking.has_value() == m_progress->isHidden()) {
+        enableCheck();
     }
-    m_progress->setVisible(checking.has_value());
     if (checking) {
         m_bar->setRange(0, checking->total);
         m_bar->setValue(checking->done);
@@ -278,16 +334,34 @@ void LastCheckedView::showChecking()
     }
 }
 
+void LastCheckedView::enableCheck()
+{
+    const bool checking = m_model.checking().has_value();
+    const bool possible = !links().isEmpty();
+    m_check->setEnabled(possible); // both are there while the keyboard goes over
+    m_progress->show();
+    if ((checking ? m_check : m_stop)->hasFocus()) {
+        (checking ? m_stop : m_check)->setFocus();
+    }
+    m_check->setEnabled(possible && !checking);
+    m_progress->setVisible(checking);
+}
+
 void LastCheckedView::showCurrent()
 {
     const QSEntry *entry = current();
-    for (QAction *action : m_table->actions()) {
-        action->setEnabled(entry);
-    }
-    m_main->setText(entry ? EntryLook::buttonText(EntryLook::mainAction(*entry)) : QString());
-    m_main->setVisible(entry);
-    m_current->setText(entry ? m_table->currentIndex().data(LastCheckedModel::wholeRole).toString()
-                             : QString());
+    const QModelIndex row = m_table->currentIndex();
+    m_current->setText(row.data(LastCheckedModel::wholeRole).toString());
+    const QString action = entry ? EntryLook::mainAction(*entry) : u"Open"_s;
+    m_main->setText(EntryLook::buttonText(action));
+    const QString title = row.siblingAtColumn(0).data().toString();
+    const auto offer = [&title](QPushButton *button, const QString &text, bool possible) {
+        button->setAccessibleName(title.isEmpty() ? text : text + u", "_s + title);
+        button->setEnabled(possible);
+    };
+    offer(m_show, m_show->text(), entry && !entry->id.isEmpty());
+    offer(m_page, m_page->text(), entry);
+    offer(m_main, action, entry);
 }
 
 const QSEntry *LastCheckedView::current() const

@@ -7,7 +7,6 @@
 #include <QWidget>
 
 class AppModel;
-class QAction;
 class QLabel;
 class QLayout;
 class QProgressBar;
@@ -42,12 +41,15 @@ private:
     [[nodiscard]] QLayout *createCheck();
     [[nodiscard]] QLayout *createChoices();
     void createTable();
-    void createActions();
+    [[nodiscard]] QLayout *createActions();
+    void connectActions();
     void connectTable();
     void connectModel();
     void reload();
     void showCount();
     void showChecking();
+    /// The check and its end take turns, and hand the keyboard to each other.
+    void enableCheck();
     void showCurrent();
     /// Null while no row is current.
     [[nodiscard]] const QSEntry *current() const;
@@ -71,5 +73,7 @@ private:
     VxComboBox *m_sort;
     QTableView *m_table;
     QLabel *m_current;
-    QAction *m_main = nullptr;
+    QPushButton *m_show;
+    QPushButton *m_page;
+    QPushButton *m_main;
 };

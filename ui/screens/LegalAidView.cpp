@@ -1,6 +1,7 @@
 #include "LegalAidView.h"
 
 #include "AppModel.h"
+#include "EntryLook.h"
 #include "QSDirectory.h"
 #include "QSFinder.h"
 #include "VxButton.h"
@@ -11,18 +12,9 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
-#include <QUrl>
 #include <QVBoxLayout>
 
 using namespace Qt::Literals::StringLiterals;
-
-namespace {
-QString siteOf(const QString &url)
-{
-    const QString host = QUrl(url).host();
-    return host.startsWith(u"www."_s) ? host.mid(4) : host;
-}
-} // namespace
 
 /// One of those who help.
 class AidRow final : public VxPanel
@@ -47,13 +39,14 @@ public:
         connect(m_button, &QPushButton::clicked, this, [this, &model] { model.openLink(m_url); });
     }
 
-    void setAid(const QSLegalAid &aid)
+    void display(const QSLegalAid &aid)
     {
         m_url = aid.url;
         m_title->setText(aid.title);
-        m_about->setText(aid.kind + u" \u00B7 "_s + siteOf(aid.url));
+        m_about->setText(aid.kind + u" \u00B7 "_s + EntryLook::siteOf(aid.url));
         m_button->setAccessibleName(m_button->text() + u", "_s + aid.title);
         m_button->setToolTip(aid.url);
+        m_button->setVisible(!aid.url.isEmpty());
     }
 
     [[nodiscard]] QPushButton *button() const { return m_button; }
@@ -68,14 +61,15 @@ private:
 LegalAidView::LegalAidView(AppModel &model, QWidget *parent)
     : QScrollArea(parent),
       m_model(model),
-      m_introduction(VxText::make({}, VxText::Role::body, this))
+      m_introduction(VxText::make({}, VxText::Role::body, this)),
+      m_column(new QVBoxLayout(new QWidget(this))),
+      m_rows(model, m_column)
 {
     setWidgetResizable(true);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setAccessibleName(u"Legal aid"_s);
-    auto *content = new QWidget(this);
+    QWidget *content = m_column->parentWidget();
     content->setProperty("clear", true);
-    m_column = new QVBoxLayout(content);
     const int gap = fontMetrics().height() / 3; // off the ring of the focus
     m_column->setContentsMargins(gap, gap, gap, gap);
     m_column->setSpacing(fontMetrics().height() * 3 / 4);
@@ -112,35 +106,18 @@ QList<QSLegalAid> LegalAidView::offers() const
     return found;
 }
 
-AidRow *LegalAidView::row(int index)
-{
-    while (m_rows.size() <= index) {
-        auto *fresh = new AidRow(m_model, widget());
-        m_column->insertWidget(m_column->count() - 1, fresh);
-        if (!m_rows.isEmpty()) {
-            setTabOrder(m_rows.constLast()->button(), fresh->button());
-        }
-        m_rows.append(fresh);
-    }
-    return m_rows.at(index);
-}
-
 void LegalAidView::showState()
 {
     m_shown = m_model.state();
     const QSJurisdiction *place = QSDirectory::shared().jurisdiction(m_shown);
     m_introduction->setText(
-        u"Legal aid organizations (many funded by the Legal Services Corporation, LSC), LawHelp "
-        "websites and state bar lawyer referral services. Those for %1 are shown, then those for "
-        "the whole country. To see another state's, choose it under \"State\" at the top. The "
-        "websites open in your web browser."_s.arg(place ? place->name : m_shown));
+        !QSDirectory::loadError().isEmpty()
+            ? QSDirectory::loadError()
+            : u"Legal aid organizations (many funded by the Legal Services Corporation, LSC), "
+              "LawHelp websites and state bar lawyer referral services. Those for %1 are shown, "
+              "then those for the whole country. To see another state's, choose it under \"State\" "
+              "at the top. The websites open in your web browser."_s.arg(place ? place->name
+                                                                               : m_shown));
     const QList<QSLegalAid> found = offers();
-    const int count = static_cast<int>(found.size());
-    for (int i = 0; i < count; ++i) {
-        row(i)->setAid(found.at(i));
-        row(i)->show();
-    }
-    for (int i = count; i < m_rows.size(); ++i) {
-        m_rows.at(i)->hide();
-    }
+    m_rows.show(found, found.size());
 }

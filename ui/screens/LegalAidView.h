@@ -1,5 +1,7 @@
 #pragma once
 
+#include "RowPool.h"
+
 #include <QList>
 #include <QScrollArea>
 #include <QString>
@@ -7,7 +9,6 @@
 class AidRow;
 class AppModel;
 class QLabel;
-class QVBoxLayout;
 struct QSLegalAid;
 
 /// Legal Aid & Help: who helps people of the chosen state for little or no money, a row each with
@@ -23,13 +24,11 @@ private:
     [[nodiscard]] QWidget *createEmergency();
     /// The state's self-help center, then its legal aid.
     [[nodiscard]] QList<QSLegalAid> offers() const;
-    /// The row at a place, made when it is first needed.
-    [[nodiscard]] AidRow *row(int index);
     void showState();
 
     AppModel &m_model;
     QString m_shown; ///< code of the state whose rows are there
     QLabel *m_introduction;
     QVBoxLayout *m_column;
-    QList<AidRow *> m_rows; ///< those that the state does not need are hidden
+    RowPool<AidRow> m_rows;
 };

@@ -59,7 +59,7 @@ public:
                 [this, &model] { model.openHit(QSSearchHit(m_hit)); });
     }
 
-    void setHit(const QSSearchHit &hit)
+    void display(const QSSearchHit &hit)
     {
         if (hit == m_hit) {
             return;
@@ -82,14 +82,17 @@ private:
     QPushButton *m_button;
 };
 
-SearchView::SearchView(AppModel &model, QWidget *parent) : QScrollArea(parent), m_model(model)
+SearchView::SearchView(AppModel &model, QWidget *parent)
+    : QScrollArea(parent),
+      m_model(model),
+      m_column(new QVBoxLayout(new QWidget(this))),
+      m_rows(model, m_column)
 {
     setWidgetResizable(true);
     setFocusPolicy(Qt::NoFocus);
     setAccessibleName(u"Search results"_s);
-    auto *content = new QWidget(this);
+    QWidget *content = m_column->parentWidget();
     content->setProperty("clear", true);
-    m_column = new QVBoxLayout(content);
     m_column->setContentsMargins({});
     m_nothing = VxText::make({}, VxText::Role::heading, content);
     m_column->addWidget(m_nothing);
@@ -104,19 +107,6 @@ SearchView::SearchView(AppModel &model, QWidget *parent) : QScrollArea(parent), 
         showHits(m_hits.size());
     });
     showNewHits();
-}
-
-HitRow *SearchView::row(int index)
-{
-    while (m_rows.size() <= index) {
-        auto *fresh = new HitRow(m_model, widget());
-        m_column->insertWidget(m_column->count() - 1, fresh);
-        if (!m_rows.isEmpty()) {
-            setTabOrder(m_rows.constLast()->button(), fresh->button());
-        }
-        m_rows.append(fresh);
-    }
-    return m_rows.at(index);
 }
 
 void SearchView::reload()
@@ -140,21 +130,15 @@ void SearchView::showNewHits()
 
 void SearchView::showHits(qsizetype most)
 {
-    const int count = static_cast<int>(std::min(most, m_hits.size()));
     widget()->setUpdatesEnabled(false);
-    for (int i = 0; i < count; ++i) {
-        row(i)->setHit(m_hits.at(i));
-        row(i)->show();
-    }
-    for (int i = count; i < m_rows.size(); ++i) {
-        m_rows.at(i)->hide();
-    }
+    m_rows.show(m_hits, most);
     widget()->setUpdatesEnabled(true);
 }
 
 void SearchView::focusFirst()
 {
-    if (!m_rows.isEmpty() && m_rows.constFirst()->isVisible()) {
-        m_rows.constFirst()->button()->setFocus(Qt::TabFocusReason);
+    const HitRow *first = m_rows.first();
+    if (first && first->isVisible()) {
+        first->button()->setFocus(Qt::TabFocusReason);
     }
 }

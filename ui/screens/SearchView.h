@@ -1,6 +1,7 @@
 #pragma once
 
 #include "QSStore.h"
+#include "RowPool.h"
 
 #include <QScrollArea>
 #include <QTimer>
@@ -8,7 +9,6 @@
 class AppModel;
 class HitRow;
 class QLabel;
-class QVBoxLayout;
 
 /// What the search found, best first, each hit with what it is and the button that goes to it.
 /// While somebody types, only as many are shown as a window has room for; the others follow after
@@ -28,12 +28,11 @@ private:
     void showNewHits();
     /// Shows the first so many hits, or all that there are.
     void showHits(qsizetype most);
-    [[nodiscard]] HitRow *row(int index);
 
     AppModel &m_model;
     QVBoxLayout *m_column;
     QLabel *m_nothing;
     QList<QSSearchHit> m_hits;
-    QTimer m_others;        ///< until those are shown that a window has no room for
-    QList<HitRow *> m_rows; ///< made as needed and used again for the next results
+    QTimer m_others; ///< until those are shown that a window has no room for
+    RowPool<HitRow> m_rows;
 };

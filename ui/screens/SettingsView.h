@@ -8,7 +8,6 @@ class QLabel;
 class QVBoxLayout;
 class VxComboBox;
 class VxPanel;
-class VxTallText;
 
 /// Backup & Settings: backup and restore, where the user's data is, the cache of official forms,
 /// and the program's look.

@@ -5,7 +5,6 @@
 class AppModel;
 class QLabel;
 class QListWidget;
-class QListWidgetItem;
 class QPushButton;
 struct QSTemplate;
 
