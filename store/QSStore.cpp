@@ -58,6 +58,14 @@ QSDocument documentFrom(const SQLRow &row)
             .modified = pointInTime(row, u"modified"_s)};
 }
 
+QSDocumentHead documentHeadFrom(const SQLRow &row)
+{
+    return {.id = row.intValue(u"id"_s).value_or(0),
+            .templateID = row.string(u"template_id"_s),
+            .title = row.string(u"title"_s),
+            .modified = pointInTime(row, u"modified"_s)};
+}
+
 QSFilledPDF filledPDFFrom(const SQLRow &row)
 {
     return {.id = row.intValue(u"id"_s),
@@ -219,6 +227,13 @@ QList<QSDocument> QSStore::documents()
 {
     return records(m_db.prepare(u"SELECT * FROM documents ORDER BY modified DESC, id DESC"_s),
                    documentFrom);
+}
+
+QList<QSDocumentHead> QSStore::documentHeads()
+{
+    return records(m_db.prepare(u"SELECT id, template_id, title, modified FROM documents "
+                                "ORDER BY modified DESC, id DESC"_s),
+                   documentHeadFrom);
 }
 
 std::optional<QSDocument> QSStore::document(qint64 id)

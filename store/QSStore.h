@@ -35,6 +35,17 @@ struct QSDocument
     [[nodiscard]] static QMap<QString, QString> valuesFromJSON(const QByteArray &json);
 };
 
+/// What a list shows of a saved document. A document's answers are most of it.
+struct QSDocumentHead
+{
+    qint64 id = 0;
+    QString templateID;
+    QString title;
+    QDateTime modified;
+
+    bool operator==(const QSDocumentHead &) const = default;
+};
+
 /// A filled copy of an official form; the PDF is a file of its own in the "Filled PDFs" folder.
 struct QSFilledPDF
 {
@@ -118,6 +129,8 @@ public:
 
     /// All documents, latest change first.
     [[nodiscard]] QList<QSDocument> documents();
+    /// The same without their answers.
+    [[nodiscard]] QList<QSDocumentHead> documentHeads();
     [[nodiscard]] std::optional<QSDocument> document(qint64 id);
     /// Inserts or updates the document and its search row as one change, and returns it as saved.
     QSDocument save(const QSDocument &document);

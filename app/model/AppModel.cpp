@@ -46,8 +46,8 @@ AppModel::AppModel(QSDesktop &desktop, QObject *parent)
 AppModel::~AppModel()
 {
     m_check.request_stop();
-    for (std::stop_source &work : m_works) {
-        work.request_stop();
+    for (Work &work : m_works) {
+        work.stop.request_stop();
     }
 }
 
@@ -99,27 +99,6 @@ void AppModel::setMessage(const std::optional<QString> &message)
 {
     m_message = message;
     Q_EMIT messageChanged();
-}
-
-void AppModel::setBusy(const std::optional<QString> &text)
-{
-    m_busy = text;
-    Q_EMIT busyChanged();
-}
-
-bool AppModel::canStopBusy() const
-{
-    const auto work = m_works.constFind(m_busyWork);
-    return work != m_works.constEnd() && work->stop_possible() && !work->stop_requested();
-}
-
-void AppModel::stopBusy()
-{
-    if (canStopBusy()) {
-        m_works[m_busyWork].request_stop();
-        setMessage(u"Stopped."_s);
-        Q_EMIT busyChanged();
-    }
 }
 
 void AppModel::setShowDisclaimer(bool shown)
@@ -291,6 +270,22 @@ std::optional<QList<QSDocument>> AppModel::documents()
     return found;
 }
 
+std::optional<QList<QSDocumentHead>> AppModel::documentHeads()
+{
+    std::optional<QList<QSDocumentHead>> found;
+    withStore([&found](QSStore &open) { found = open.documentHeads(); });
+    return found;
+}
+
+std::optional<QSDocument> AppModel::document(qint64 id)
+{
+    std::optional<QSDocument> found;
+    if (withStore([&](QSStore &open) { found = open.document(id); }) && !found) {
+        setMessage(QSError::notFound().description());
+    }
+    return found;
+}
+
 bool AppModel::askToDelete(const QString &name)
 {
     static constexpr int deleteButton = 1;
@@ -373,16 +368,6 @@ void AppModel::exportFile(const QString &name,
         });
 }
 
-void AppModel::whenNothingIsAsked(const std::function<void()> &action)
-{
-    static constexpr std::chrono::milliseconds pause{200};
-    if (m_asking) { // no panel over a question
-        QTimer::singleShot(pause, this, [=, this] { whenNothingIsAsked(action); });
-    } else {
-        action();
-    }
-}
-
 std::optional<QString> AppModel::chooseSavePath(const QString &suggestedName)
 {
     const QScopedValueRollback asking(m_asking, true);
@@ -443,14 +428,11 @@ void AppModel::openHit(const QSSearchHit &hit)
 void AppModel::openDocument(qint64 id)
 {
     // read only now that the editor is closed: it may have been this one, saved on closing
-    std::optional<QSDocument> document;
-    if (!closeEditor() || !withStore([&](QSStore &open) { document = open.document(id); })) {
+    if (!closeEditor()) {
         return;
     }
-    if (document) {
-        openSession(*document);
-    } else {
-        setMessage(QSError::notFound().description());
+    if (const std::optional<QSDocument> saved = document(id)) {
+        openSession(*saved);
     }
 }
 

@@ -9,7 +9,6 @@
 #include "QSStatus.h"
 #include "Screen.h"
 
-#include <QHash>
 #include <QMap>
 #include <QObject>
 #include <QString>
@@ -68,12 +67,13 @@ public:
     void setSearch(const QString &text);
     [[nodiscard]] const std::optional<QString> &message() const { return m_message; }
     void setMessage(const std::optional<QString> &message);
-    /// Text of a running operation; absent when none runs.
-    [[nodiscard]] const std::optional<QString> &busy() const { return m_busy; }
-    [[nodiscard]] Progress busyProgress() const { return m_busyProgress; }
-    /// Whether the running operation can be ended, and was not yet told to.
+    /// Text of the operation that was begun last of those that run; absent when none runs.
+    [[nodiscard]] std::optional<QString> busy() const;
+    /// How far that operation has got.
+    [[nodiscard]] Progress busyProgress() const;
+    /// Whether that operation can be ended, and was not yet told to.
     [[nodiscard]] bool canStopBusy() const;
-    /// Ends the running operation, which leaves everything as it was.
+    /// Ends that operation, which leaves everything as it was.
     void stopBusy();
     [[nodiscard]] bool showDisclaimer() const { return m_showDisclaimer; }
     void setShowDisclaimer(bool shown);
@@ -102,6 +102,10 @@ public:
     // Documents
     /// Absent, with a message, when they can't be read.
     [[nodiscard]] std::optional<QList<QSDocument>> documents();
+    /// The same, of each only what a list shows: thousands are read at once.
+    [[nodiscard]] std::optional<QList<QSDocumentHead>> documentHeads();
+    /// Absent, with a message, when it can't be read or is gone.
+    [[nodiscard]] std::optional<QSDocument> document(qint64 id);
     /// Deletes after asking.
     void deleteDocument(const QSDocument &document);
     /// Makes the file in the background, then asks where to put it. One at a time: while one is
@@ -130,8 +134,9 @@ public:
     }
     void selectEntry(const QString &id);
     /// Opens a form: in the browser where it is no file, else its copy, fetched if need be, in the
-    /// form window (a Word document in the desktop's own program). Of two forms opened one after
-    /// the other, the later one is shown; one that is on its way already goes on.
+    /// form window (a Word document in the desktop's own program). The form that is open stays
+    /// until then. Of two forms opened one after the other, the later one is shown; one that is on
+    /// its way already goes on.
     void open(const QSEntry &entry);
     /// Asks the form's site whether there is a newer version.
     void recheck(const QSEntry &entry);
@@ -242,6 +247,13 @@ Q_SIGNALS:
 
 private:
     enum class Answer { save, dontSave, cancel };
+    /// What runs in the background while the user waits.
+    struct Work
+    {
+        QString text;
+        std::stop_source stop;
+        Progress progress;
+    };
 
     Answer askToSave(const QString &name);
     [[nodiscard]] bool askToDelete(const QString &name);
@@ -249,10 +261,9 @@ private:
     /// Runs an action on the store; its error becomes the message. False when it failed.
     template <typename Action>
     bool withStore(Action action);
-    void setBusy(const std::optional<QString> &text);
-    /// Runs work in the background with a text for the user meanwhile; the text goes when the work
-    /// is done, unless another work's text has taken its place. Work that heeds a stop can be ended
-    /// by the user; what it came to is handed to done all the same.
+    /// Runs work in the background with a text for the user meanwhile, which stands back for that
+    /// of work begun later. Work that heeds a stop can be ended by the user; what it came to is
+    /// handed to done all the same.
     template <typename Result>
     void runBusy(const QString &text, const std::stop_source &stop,
                  std::function<Result(const AsyncTask::Progress &)> work,
@@ -263,7 +274,9 @@ private:
     [[nodiscard]] std::optional<QSLinkCheck> lastLinkCheck(const QSEntry &entry);
     /// What was asked for before is not to be shown any more; the token says so of this one.
     [[nodiscard]] std::stop_source startOpening();
+    /// Shows a form in the form window, unless the user wants to stay with the open one.
     void openSession(const OpenPDF &form);
+    void showSession(const FormSession &session);
     void dropForm();
     void openCopy(const QSEntry &entry, const QSCache::Result &copy,
                   const std::shared_ptr<QSPDFDocument> &document, const QString &problem);
@@ -293,7 +306,16 @@ private:
     [[nodiscard]] bool askToReopen(const QString &name);
     void offerProfileDraft();
     void offerDocumentDraft();
-    void reopenForm(const FormDraft &draft, const std::shared_ptr<QSPDFDocument> &document);
+    /// Goes on with a form's draft that was read again, or puts it aside when it could not be.
+    /// Drafts are kept from then on: its files are free for another form.
+    void formDraftOpened(const FormDraft &draft,
+                         const AsyncTask::Outcome<std::shared_ptr<QSPDFDocument>> &opened,
+                         const std::stop_source &stop);
+    /// Shows the form, or saves it when another one has its place; false, with the message, when
+    /// neither worked.
+    [[nodiscard]] bool reopenForm(const FormDraft &draft,
+                                  const std::shared_ptr<QSPDFDocument> &document,
+                                  const std::stop_source &stop);
     void openSession(const QSDocument &document);
     void openDocument(qint64 id);
 
@@ -304,7 +326,6 @@ private:
     QString m_selectedTemplateID;
     QString m_search;
     std::optional<QString> m_message;
-    std::optional<QString> m_busy;
     bool m_showDisclaimer;
     bool m_asking = false;    ///< a question or panel of ours stands open
     bool m_exporting = false; ///< a file is being made
@@ -314,10 +335,9 @@ private:
     std::optional<QString> m_selectedEntryID;
     std::optional<Progress> m_checking;
     std::optional<QMap<QString, QSLinkCheck>> m_linkChecks; ///< by URL; absent when out of date
-    Progress m_busyProgress;
-    int m_busyWork = 0;                   ///< number of the work whose text is shown
-    QHash<int, std::stop_source> m_works; ///< all that run, by number
-    QString m_gettingEntryID;             ///< of the form on its way, unless that was stopped
+    QMap<int, Work> m_works;                                ///< all that run, by number
+    int m_lastWork = 0;                                     ///< number of the work begun last
+    QString m_gettingEntryID;   ///< of the form on its way, unless that was stopped
     std::stop_source m_opening; ///< ends what was last asked to be shown in the form window
     std::stop_source m_check;   ///< ends the check of links that runs
     std::optional<QMap<QString, QString>> m_profileEdits;
@@ -333,24 +353,19 @@ void AppModel::runBusy(const QString &text, const std::stop_source &stop,
                        std::function<Result(const AsyncTask::Progress &)> work,
                        std::function<void(const AsyncTask::Outcome<Result> &)> done)
 {
-    const int number = ++m_busyWork;
-    m_works.insert(number, stop);
-    m_busyProgress = {};
-    setBusy(text);
+    const int number = ++m_lastWork;
+    m_works.insert(number, {.text = text, .stop = stop, .progress = {}});
+    Q_EMIT busyChanged();
     AsyncTask::run<Result>(
         this, std::move(work),
         [this, number, done = std::move(done)](const auto &outcome) {
             m_works.remove(number);
-            if (number == m_busyWork) {
-                setBusy(std::nullopt);
-            }
+            Q_EMIT busyChanged();
             done(outcome);
         },
         [this, number](int part, int of) {
-            if (number == m_busyWork) {
-                m_busyProgress = {part, of};
-                Q_EMIT busyChanged();
-            }
+            m_works[number].progress = {part, of};
+            Q_EMIT busyChanged();
         });
 }
 

@@ -97,11 +97,12 @@ void AppModel::restoreFrom(const QString &path)
 
 bool AppModel::askToRestore()
 {
+    static constexpr int restoreButton = 1;
     const QScopedValueRollback asking(m_asking, true);
     return m_desktop.ask(
                {u"Replace your documents, profile and filled PDFs with this backup?"_s,
                 u"What is in the app now is replaced by the backup. Making a backup of the "
                 "current data first keeps a copy."_s,
-                {u"Restore"_s, u"Cancel"_s},
-                1}) == 0;
+                {u"Cancel"_s, u"Restore"_s},
+                0}) == restoreButton;
 }

@@ -4,7 +4,6 @@
 #include "QSDirectory.h"
 #include "QSDrafts.h"
 #include "QSFile.h"
-#include "QSInfo.h"
 
 #include <QScopedValueRollback>
 
@@ -41,15 +40,27 @@ void AppModel::startDrafts()
     runBusy<Document>(
         u"Opening \"%1\"\u2026"_s.arg(form->title), std::stop_source(std::nostopstate),
         [values = form->values](const AsyncTask::Progress &) { return openDraft(values); },
-        [this, draft = *form](const AsyncTask::Outcome<Document> &opened) {
-            if (opened.result) {
-                reopenForm(draft, *opened.result);
-                m_drafting = true;
-            } else { // what was typed stays where it is
-                setMessage(u"\"%1\" could not be opened again: %2 What was typed is in %3"_s.arg(
-                    draft.title, opened.error->description(), QSInfo::draftsFolder().path()));
-            }
+        [this, draft = *form, stop = startOpening()](const AsyncTask::Outcome<Document> &opened) {
+            whenNothingIsAsked([=, this] { formDraftOpened(draft, opened, stop); });
         });
+}
+
+void AppModel::formDraftOpened(const FormDraft &draft,
+                               const AsyncTask::Outcome<std::shared_ptr<QSPDFDocument>> &opened,
+                               const std::stop_source &stop)
+{
+    try {
+        if (!opened.result || !reopenForm(draft, *opened.result, stop)) {
+            const QString why =
+                opened.error ? opened.error->description() : m_message.value_or(QString());
+            setMessage(u"\"%1\" could not be opened again: %2 What was typed is in %3"_s.arg(
+                draft.title, why, QSDrafts::setFormAside()));
+        }
+        m_drafting = true;
+        keepDrafts();
+    } catch (const QSError &error) { // nothing may be kept over it
+        cannotDraft(error);
+    }
 }
 
 bool AppModel::askToReopen(const QString &name)
@@ -91,7 +102,8 @@ void AppModel::offerDocumentDraft()
     }
 }
 
-void AppModel::reopenForm(const FormDraft &draft, const std::shared_ptr<QSPDFDocument> &document)
+bool AppModel::reopenForm(const FormDraft &draft, const std::shared_ptr<QSPDFDocument> &document,
+                          const std::stop_source &stop)
 {
     const QSEntry *entry = QSDirectory::shared().entry(draft.entryID);
     OpenPDF form{.entry = entry ? std::optional(*entry) : std::nullopt,
@@ -104,10 +116,21 @@ void AppModel::reopenForm(const FormDraft &draft, const std::shared_ptr<QSPDFDoc
             form.saved = copy;
         }
     }
-    m_openPDF.emplace(form);
-    m_openPDF->markUnsaved();
-    m_draftedForm = form.id;
-    Q_EMIT openPDFChanged();
+    FormSession session(form);
+    session.markUnsaved();
+    if (!stop.stop_requested() && closeForm()) {
+        showSession(session);
+        m_draftedForm = form.id;
+        return true;
+    }
+    const bool saved = withStore([&](QSStore &open) {
+        open.saveFilledPDF(draft.entryID, session.titleToSave(), document->bytes());
+    });
+    if (saved) {
+        QSDrafts::dropForm();
+        setMessage(u"What was typed into \"%1\" was saved to My Documents."_s.arg(draft.title));
+    }
+    return saved;
 }
 
 void AppModel::draftSoon()

@@ -6,6 +6,8 @@
 #include "QSFile.h"
 #include "QSInfo.h"
 
+#include <QDir>
+
 using namespace Qt::Literals::StringLiterals;
 
 namespace {
@@ -94,8 +96,10 @@ QString AppModel::handOut(const QSFilledPDF &record)
         m_handedOut.emplace();
     }
     try {
-        const QString path =
-            m_handedOut->filePath(QSExport::safeFileName(record.title) + u".pdf"_s);
+        // Copies may share a title, but whoever took one has its path.
+        const QString folder = m_handedOut->filePath(QString::number(record.id.value_or(0)));
+        QDir().mkpath(folder);
+        const QString path = folder + u'/' + QSExport::safeFileName(record.title) + u".pdf"_s;
         QSFile::write(path, QSFile::read(filledPath(record)));
         return path;
     } catch (const QSError &error) {

@@ -82,9 +82,6 @@ void AppModel::open(const QSEntry &entry)
         Q_EMIT openPDFWanted();
         return;
     }
-    if (!closeForm()) {
-        return;
-    }
     const std::stop_source stop = startOpening();
     m_gettingEntryID = entry.id;
     runBusy<Fetched>(
@@ -112,6 +109,7 @@ std::stop_source AppModel::startOpening()
 {
     m_opening.request_stop();
     m_opening = std::stop_source();
+    m_gettingEntryID.clear();
     return m_opening;
 }
 
@@ -214,8 +212,13 @@ void AppModel::checkAllLinks()
     if (m_checking) {
         return;
     }
-    m_check = std::stop_source();
     const auto links = QSLinkChecker::bulkLinks(QSDirectory::shared());
+    if (links.isEmpty()) {
+        const QString &why = QSDirectory::loadError();
+        setMessage(why.isEmpty() ? u"There are no official links to check."_s : why);
+        return;
+    }
+    m_check = std::stop_source();
     m_checking = Progress{0, static_cast<int>(links.size())};
     Q_EMIT checkingChanged();
     AsyncTask::run<Checks>(
@@ -281,10 +284,15 @@ void AppModel::linksChecked(const QList<QSLinkChecker::Check> &checks)
 void AppModel::openSession(const OpenPDF &form)
 {
     if (closeForm()) {
-        m_openPDF.emplace(form);
         setMessage(std::nullopt); // what was said before is of another form
-        Q_EMIT openPDFChanged();
+        showSession(FormSession(form));
     }
+}
+
+void AppModel::showSession(const FormSession &session)
+{
+    m_openPDF = session;
+    Q_EMIT openPDFChanged();
 }
 
 void AppModel::openPractice()

@@ -22,7 +22,7 @@ bool AppModel::askToEmptyCache()
 
 void AppModel::emptyCache()
 {
-    if (m_busy) { // a form that was just fetched has to be there when it is opened
+    if (busy()) { // a form that was just fetched has to be there when it is opened
         setMessage(u"The forms cache is in use. Try again in a moment."_s);
         return;
     }

@@ -166,6 +166,24 @@ std::optional<FormDraft> form()
     return form;
 }
 
+QString setFormAside()
+{
+    QString values;
+    QString pdf;
+    int number = 1;
+    do {
+        const QString name = path(u"form set aside %1"_s.arg(number++));
+        values = name + u".json"_s;
+        pdf = name + u".pdf"_s;
+    } while (QFile::exists(values) || QFile::exists(pdf));
+    QFile draft(path(formFile));
+    if (!draft.rename(values)) {
+        throw QSError::invalid(draft.errorString());
+    }
+    QFile::rename(formPDF(), pdf);
+    return values;
+}
+
 void dropForm()
 {
     drop(formFile);

@@ -37,6 +37,9 @@ void keepFormPDF(const QByteArray &pdf);
 void keepForm(const FormDraft &form);
 /// Absent without its PDF.
 [[nodiscard]] std::optional<FormDraft> form();
+/// Moves the form's draft out of the way of the next one, under names that nothing else has;
+/// returns the path of what was typed. Throws QSError::invalid with the draft still in its place.
+[[nodiscard]] QString setFormAside();
 void dropForm();
 
 void keepProfile(const QMap<QString, QString> &profile);

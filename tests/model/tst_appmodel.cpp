@@ -2,6 +2,7 @@
 #include "AsyncTask.h"
 #include "FakeDesktop.h"
 #include "OfficeConverter.h"
+#include "QSDirectory.h"
 #include "QSTemplates.h"
 #include "ScratchUser.h"
 #include "SmallDisk.h"
@@ -30,7 +31,13 @@ class TestAppModel final : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase() { QVERIFY2(QSTemplates::templateById(u"rent-receipt"), "no templates"); }
+    void initTestCase()
+    {
+        QSInfo::setResourceFolderOverride(u"/nowhere"_s); // a directory that can't be read
+        QVERIFY(!QSDirectory::loadError().isEmpty());
+        QSInfo::setResourceFolderOverride(std::nullopt);
+        QVERIFY2(QSTemplates::templateById(u"rent-receipt"), "no templates");
+    }
 
     void init()
     {
@@ -59,6 +66,13 @@ private Q_SLOTS:
         const AppModel next(*m_desktop);
         QCOMPARE(next.state(), u"TX"_s);
         QVERIFY(!next.showDisclaimer());
+    }
+
+    void withoutADirectoryNoLinkIsSaidToAnswer()
+    {
+        m_model->checkAllLinks();
+        QVERIFY(!m_model->checking());
+        QCOMPARE(m_model->message(), QSDirectory::loadError());
     }
 
     void theDisclaimerShownOnDemandAcceptsNothing()

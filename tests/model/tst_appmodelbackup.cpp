@@ -10,8 +10,8 @@
 using namespace Qt::Literals::StringLiterals;
 
 namespace {
-constexpr int restoreButton = 0;
-constexpr int cancelRestore = 1;
+constexpr int cancelRestore = 0;
+constexpr int restoreButton = 1;
 constexpr int cancelClosing = 2;
 constexpr int dontSave = 1;
 const QString key = u"tenant_name"_s;

@@ -136,11 +136,11 @@ private Q_SLOTS:
         QTest::qWait(500);
         QCOMPARE(m_model->openPDF()->form().title, u"Vell Practice Form"_s);
 
-        m_model->open(ss4());
-        QTRY_VERIFY(m_model->openPDF());
+        m_model->open(w9()); // its way was ended, so it begins anew
+        QTRY_COMPARE(m_model->openPDF()->form().title, w9().displayTitle());
         QSignalSpy wanted(m_model.get(), &AppModel::openPDFWanted);
         const QUuid opening = m_model->openPDF()->form().id;
-        m_model->open(ss4()); // the window that has it comes to the front
+        m_model->open(w9()); // the window that has it comes to the front
         QCOMPARE(wanted.size(), 1);
         QCOMPARE(m_model->openPDF()->form().id, opening);
     }
@@ -246,15 +246,43 @@ private Q_SLOTS:
 
     void aSiteThatCannotBeReachedIsASentence()
     {
+        m_model->openPractice();
+        type(u"full_name"_s, u"Rosa"_s);
         m_agencies->goAway();
-        m_model->open(ss4());
+        m_model->open(ss4()); // nothing is asked: the open form stays
         QTRY_VERIFY(m_model->message());
         m_agencies->comeBack();
         QVERIFY2(m_model->message()->endsWith(
                      u"An internet connection is needed the first time a form is opened."),
                  qPrintable(*m_model->message()));
         QVERIFY(!m_model->busy());
-        QVERIFY(!m_model->openPDF());
+        QVERIFY(m_model->openPDF()->hasUnsavedChanges());
+    }
+
+    void workThatEndsLeavesTheTextOfWhatStillRuns()
+    {
+        Answer slow = Answer::pdf(m_form);
+        slow.delay = std::chrono::seconds(1);
+        m_agencies->answer(w9().url, {slow});
+        m_model->recheck(w9());
+        const auto checking = m_model->busy();
+        m_model->openSaved(QSStore::shared()->saveFilledPDF(u"us-ss-4"_s, u"SS-4"_s, m_form));
+        QCOMPARE(m_model->busy(), u"Opening \"SS-4\"\u2026"_s);
+        m_model->emptyCache();
+        QVERIFY(m_model->message());
+        QTRY_COMPARE(m_model->busy(), checking);
+        QTRY_VERIFY(!m_model->busy());
+    }
+
+    void copiesOfOneTitleAreHandedOutApart()
+    {
+        const auto saved = [](const QByteArray &pdf) {
+            return QSStore::shared()->saveFilledPDF(u"us-w-9"_s, u"W-9"_s, pdf);
+        };
+        const QString first = m_model->handOut(saved("%PDF first"));
+        QCOMPARE(contents(m_model->handOut(saved("%PDF second"))), "%PDF second");
+        QCOMPARE(contents(first), "%PDF first");
+        QVERIFY(first.endsWith(u"/W-9.pdf"));
     }
 
     void aRecheckTellsTheScreens()

@@ -103,6 +103,36 @@ private Q_SLOTS:
         QCOMPARE(drafts(), QStringList());
     }
 
+    void aFormThatCannotBeOpenedAgainIsSetAside()
+    {
+        leaveAForm();
+        writeFile(QSDrafts::formPDF(), "broken");
+        m_desktop->answers = {openAgain};
+        crashAndStart();
+        const QStringList aside{u"form set aside 1.json"_s, u"form set aside 1.pdf"_s};
+        QTRY_COMPARE(drafts(), aside);
+        QVERIFY(m_model->message()->endsWith(QSInfo::draftsFolder().filePath(aside.first())));
+        leaveAForm(); // the next one has its draft all the same
+        QCOMPARE(drafts().size(), 4);
+    }
+
+    void aFormOpenedMeanwhileKeepsItsPlace()
+    {
+        leaveAForm();
+        m_desktop->answers = {openAgain};
+        crashAndStart();
+        m_model->openPractice(); // before the other one is read
+        type(0, u"Quang"_s);
+        QTRY_COMPARE(m_model->filledPDFs()->size(), 1);
+        QCOMPARE(m_model->openPDF()->document().value(0).text, u"Quang"_s);
+        const QSFilledPDF copy = m_model->filledPDFs()->constFirst();
+        QCOMPARE(copy.entryID, u"practice"_s);
+        const auto saved =
+            QSPDFDocument::open(contents(QSInfo::filledFolder().filePath(copy.fileName)));
+        QCOMPARE(saved->value(0).text, u"Rosa"_s);
+        QTRY_VERIFY(drafts().contains(u"form.json"_s));
+    }
+
     void theProfileComesBack()
     {
         m_model->setProfileValue(u"name"_s, u"Rosa"_s);
@@ -135,6 +165,14 @@ private:
         QSStore::setShared(std::make_unique<QSStore>(QSInfo::databaseURL()));
         m_model = std::make_unique<AppModel>(*m_desktop);
         m_model->startDrafts();
+    }
+
+    void leaveAForm()
+    {
+        m_model->openPractice();
+        type(0, u"Rosa"_s);
+        m_model->keepDrafts();
+        QTRY_VERIFY(drafts().contains(u"form.json"_s));
     }
 
     void type(int field, const QString &text)

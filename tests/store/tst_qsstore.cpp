@@ -188,6 +188,8 @@ void TestQSStore::savesAndUpdatesDocuments()
 
     reopen();
     QCOMPARE(m_store->documents(), QList<QSDocument>{changed});
+    QCOMPARE(m_store->documentHeads(), (QList<QSDocumentHead>{{*saved.id, changed.templateID,
+                                                               changed.title, changed.modified}}));
     QCOMPARE(m_store->document(*saved.id), changed);
     QVERIFY(!m_store->document(*saved.id + 1));
 }
@@ -259,6 +261,7 @@ void TestQSStore::listsLatestFirst()
     QCOMPARE(order(), (QList<qint64>{*second.id, *first.id}));
     m_store->save(first);
     QCOMPARE(order(), (QList<qint64>{*first.id, *second.id}));
+    QCOMPARE(m_store->documentHeads().constFirst().id, *first.id);
 }
 
 void TestQSStore::replacesTheProfile()

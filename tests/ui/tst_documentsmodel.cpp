@@ -16,11 +16,11 @@ private Q_SLOTS:
         DocumentsModel model;
         const QAbstractItemModelTester tester(
             &model, QAbstractItemModelTester::FailureReportingMode::QtTest);
-        QSDocument known;
+        QSDocumentHead known;
         known.title = u"May rent"_s;
         known.templateID = u"rent-receipt"_s;
         known.modified = QDateTime(QDate(2026, 5, 1), QTime(16, 5));
-        QSDocument unknown;
+        QSDocumentHead unknown;
         unknown.title = u"Old"_s;
         unknown.templateID = u"of-another-version"_s;
         const QSignalSpy resets(&model, &QAbstractItemModel::modelReset);

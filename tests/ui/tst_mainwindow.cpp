@@ -183,11 +183,11 @@ private Q_SLOTS:
         QVERIFY(m_model->saveProfile());
 
         drop(m_user->path(u"preferences.ini"_s)); // anything else is not taken
-        m_desktop->answers = {1};                 // Cancel
+        m_desktop->answers = {0};                 // Cancel
         drop(backup);
         QTRY_COMPARE(m_desktop->questions.size(), 1);
         QCOMPARE(m_model->profile().value(u"fullName"_s), u"Somebody else"_s);
-        m_desktop->answers = {0}; // Restore
+        m_desktop->answers = {1}; // Restore
         drop(backup);
         QTRY_COMPARE(shownMessage(), u"Restored from mine.qsbackup"_s);
         QCOMPARE(m_model->profile().value(u"fullName"_s), u"Rosa"_s);

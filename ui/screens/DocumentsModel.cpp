@@ -4,7 +4,7 @@
 #include "QSTemplates.h"
 
 namespace {
-QString templateTitle(const QSDocument &document)
+QString templateTitle(const QSDocumentHead &document)
 {
     const QSTemplate *source = QSTemplates::templateById(document.templateID);
     return source ? source->title : document.templateID;
@@ -12,9 +12,10 @@ QString templateTitle(const QSDocument &document)
 } // namespace
 
 DocumentsModel::DocumentsModel()
-    : RecordsModel({{u"Name", [](const QSDocument &document) { return document.title; }},
+    : RecordsModel({{u"Name", [](const QSDocumentHead &document) { return document.title; }},
                     {u"Template", templateTitle},
-                    {u"Last changed",
-                     [](const QSDocument &document) { return QSDate::stamp(document.modified); }}})
+                    {u"Last changed", [](const QSDocumentHead &document) {
+                         return QSDate::stamp(document.modified);
+                     }}})
 {
 }

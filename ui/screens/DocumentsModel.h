@@ -4,7 +4,7 @@
 #include "RecordsModel.h"
 
 /// The saved documents: name, template, last change.
-class DocumentsModel final : public RecordsModel<QSDocument>
+class DocumentsModel final : public RecordsModel<QSDocumentHead>
 {
     Q_OBJECT
 

@@ -37,10 +37,9 @@ DocumentsView::DocumentsView(AppModel &model, QWidget *parent)
 
 void DocumentsView::connectDocuments()
 {
-    // the record is a copy: the list is read anew meanwhile
     const auto withSelected = [this](void (AppModel::*action)(const QSDocument &)) {
         return [this, action] {
-            if (const auto document = m_documents.recordAt(m_documentList->selectedRow())) {
+            if (const auto document = selectedDocument()) {
                 std::invoke(action, m_model, *document);
             }
         };
@@ -50,14 +49,21 @@ void DocumentsView::connectDocuments()
     connect(m_documentList, &RecordList::deleteWanted, this,
             withSelected(&AppModel::deleteDocument));
     ExportMenu::attach(m_documentList->exportButton(), this, [this](QSExport::Format format) {
-        if (const auto document = m_documents.recordAt(m_documentList->selectedRow())) {
+        if (const auto document = selectedDocument()) {
             m_model.exportDocument(*document, format);
         }
     });
 }
 
+std::optional<QSDocument> DocumentsView::selectedDocument()
+{
+    const auto head = m_documents.recordAt(m_documentList->selectedRow());
+    return head ? m_model.document(head->id) : std::nullopt;
+}
+
 void DocumentsView::connectFilledPDFs()
 {
+    // the record is a copy: the list is read anew meanwhile
     const auto withSelected = [this](void (AppModel::*action)(const QSFilledPDF &)) {
         return [this, action] {
             if (const auto record = m_filledPDFs.recordAt(m_filledList->selectedRow())) {
@@ -86,11 +92,11 @@ void DocumentsView::showEvent(QShowEvent *event)
 
 void DocumentsView::reload()
 {
-    const auto documents = m_model.documents();
-    m_documentList->refill([&] { m_documents.setRecords(documents.value_or(QList<QSDocument>())); },
-                           documents
-                               ? u"No documents yet. Start one from the Vell Templates screen."_s
-                               : u"Your documents could not be read."_s);
+    const auto documents = m_model.documentHeads();
+    m_documentList->refill(
+        [&] { m_documents.setRecords(documents.value_or(QList<QSDocumentHead>())); },
+        documents ? u"No documents yet. Start one from the Vell Templates screen."_s
+                  : u"Your documents could not be read."_s);
     const auto filled = m_model.filledPDFs();
     m_filledList->refill(
         [&] { m_filledPDFs.setRecords(filled.value_or(QList<QSFilledPDF>())); },

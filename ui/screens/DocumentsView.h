@@ -5,6 +5,8 @@
 
 #include <QWidget>
 
+#include <optional>
+
 class AppModel;
 class QVBoxLayout;
 class RecordList;
@@ -27,6 +29,8 @@ protected:
 private:
     void connectDocuments();
     void connectFilledPDFs();
+    /// Read whole, as it is saved now; absent, with a message, when it is gone.
+    [[nodiscard]] std::optional<QSDocument> selectedDocument();
     void reload();
 
     AppModel &m_model;

@@ -52,7 +52,7 @@ public:
         case Qt::ToolTipRole:
             return m_columns.at(index.column()).text(record);
         case recordIDRole:
-            return record.id.value_or(0);
+            return std::optional<qint64>(record.id).value_or(0);
         default:
             return {};
         }
