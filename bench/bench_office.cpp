@@ -16,8 +16,11 @@ void measure(QSExport::Format format, const QSRendered &rendered, const LibreOff
     const QString extension = QSExport::info(format).extension.toString();
     // The program makes these files on a worker, never on the main thread.
     const auto exported = [&] {
-        return Measure::milliseconds(
-            [&] { (void)std::async(std::launch::async, QSExport::data, rendered, format).get(); });
+        return Measure::milliseconds([&] {
+            (void)std::async(std::launch::async, QSExport::data, rendered, format,
+                             std::stop_token())
+                .get();
+        });
     };
     const auto [ours, peers] = Measure::inTurns(
         turns, exported, [&] { return Measure::milliseconds([&] { byHand.convert(extension); }); });
