@@ -1,9 +1,9 @@
 #include "QSDirectory.h"
 #include "QSError.h"
 #include "QSInfo.h"
+#include "TestFiles.h"
 
 #include <QDir>
-#include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -332,9 +332,7 @@ private Q_SLOTS:
 
     void theShippedDirectoryIsSound()
     {
-        QFile file(m_shipped);
-        QVERIFY(file.open(QIODevice::ReadOnly));
-        const QSDirectory directory = QSDirectory::decode(file.readAll());
+        const QSDirectory directory = QSDirectory::decode(contents(m_shipped));
         QCOMPARE(directory.jurisdictions.size(), 7);
         QCOMPARE(directory.states().size(), 6);
         QVERIFY(directory.federal());

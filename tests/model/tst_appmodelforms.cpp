@@ -1,10 +1,8 @@
 #include "AgencyServer.h"
-#include "AppModel.h"
-#include "FakeDesktop.h"
+#include "ModelFixture.h"
 #include "QSCache.h"
 #include "QSDirectory.h"
 #include "QSPDF.h"
-#include "ScratchUser.h"
 #include "TestFiles.h"
 
 #include <QSignalSpy>
@@ -15,11 +13,6 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace {
 using Answer = AgencyServer::Answer;
-
-// the buttons of the question about unsaved changes
-constexpr int save = 0;
-constexpr int dontSave = 1;
-constexpr int cancel = 2;
 
 const QSEntry &w9()
 {
@@ -32,7 +25,7 @@ const QSEntry &ss4()
 } // namespace
 
 /// What the model does with official forms, the agencies played on this machine.
-class TestAppModelForms final : public QObject
+class TestAppModelForms final : public QObject, private ModelFixture
 {
     Q_OBJECT
 
@@ -53,21 +46,8 @@ private Q_SLOTS:
         QTRY_COMPARE(threads(), m_threads);
     }
 
-    void init()
-    {
-        m_user = std::make_unique<ScratchUser>();
-        QSStore::setShared(std::make_unique<QSStore>(QSInfo::databaseURL()));
-        m_desktop = std::make_unique<FakeDesktop>();
-        m_model = std::make_unique<AppModel>(*m_desktop);
-    }
-
-    void cleanup()
-    {
-        QVERIFY2(m_desktop->settled(), qPrintable(m_desktop->unexpected.join(u'\n')));
-        m_model.reset();
-        QSStore::setShared(nullptr);
-        m_user.reset();
-    }
+    void init() { beginModel(); }
+    void cleanup() { endModel(); }
 
     void aFormIsFetchedFilledSavedAndFoundAgain()
     {
@@ -362,9 +342,6 @@ private:
     qsizetype m_threads = 0;
     QByteArray m_form;
     std::unique_ptr<AgencyServer> m_agencies;
-    std::unique_ptr<ScratchUser> m_user;
-    std::unique_ptr<FakeDesktop> m_desktop;
-    std::unique_ptr<AppModel> m_model;
 };
 
 QTEST_MAIN(TestAppModelForms)

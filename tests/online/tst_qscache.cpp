@@ -1,3 +1,4 @@
+#include "../pdf/SmallPDF.h"
 #include "AgencyServer.h"
 #include "QSCache.h"
 #include "QSNet.h"
@@ -33,16 +34,7 @@ const QString newer =
 /// A PDF of one empty page, different for each text.
 QByteArray pdf(const QByteArray &text)
 {
-    QByteArray file = "%PDF-1.4\n%" + text + '\n';
-    QByteArray table = "xref\n0 4\n0000000000 65535 f \n";
-    for (const char *object : {"1 0 obj<</Type/Catalog/Pages 2 0 R>>endobj\n",
-                               "2 0 obj<</Type/Pages/Kids[3 0 R]/Count 1>>endobj\n",
-                               "3 0 obj<</Type/Page/Parent 2 0 R/MediaBox[0 0 9 9]>>endobj\n"}) {
-        table += QByteArray::number(file.size()).rightJustified(10, '0') + " 00000 n \n";
-        file += object;
-    }
-    return file + table + "trailer<</Size 4/Root 1 0 R>>\nstartxref\n" +
-           QByteArray::number(file.size()) + "\n%%EOF\n";
+    return smallPDF({}) + '%' + text + '\n';
 }
 const QByteArray oldForm = pdf("old");
 const QByteArray newForm = pdf("new");

@@ -1,31 +1,20 @@
+#include "ProgramFixture.h"
 #include "TestFiles.h"
 
-#include <QDir>
-#include <QDirIterator>
-#include <QProcess>
 #include <QRegularExpression>
-#include <QTemporaryDir>
-#include <QTest>
-
-#include <memory>
 
 using namespace Qt::Literals::StringLiterals;
 
 /// The built executable in its modes without a window.
-class TestSelfTest final : public QObject
+class TestSelfTest final : public QObject, private ProgramFixture
 {
     Q_OBJECT
 
 private Q_SLOTS:
     void init()
     {
-        m_home = std::make_unique<QTemporaryDir>();
-        m_environment = QProcessEnvironment::systemEnvironment();
-        m_environment.remove(u"QT_QPA_PLATFORM"_s);
+        beginProgram();
         m_environment.remove(u"QS_SELFTEST_MUTATE"_s);
-        m_environment.insert(u"QS_DATA_DIR"_s, folder(u"data"_s));
-        m_environment.insert(u"XDG_CONFIG_HOME"_s, folder(u"config"_s));
-        m_environment.insert(u"XDG_RUNTIME_DIR"_s, m_runtime.path());
         m_environment.insert(u"TMPDIR"_s, folder(u"temporary"_s));
     }
 
@@ -34,7 +23,7 @@ private Q_SLOTS:
         writeFile(folder(u"data"_s) + u"/Quillstone.sqlite"_s, "the user's documents");
         writeFile(folder(u"data/Filled PDFs"_s) + u"/A.pdf"_s, "%PDF the user's form");
         writeFile(folder(u"config/Vell"_s) + u"/Quillstone.ini"_s, "[qs]\nhomeState=TX\n");
-        const QStringList before = state();
+        const QMap<QString, QByteArray> before = tree(m_home->path());
         const Ended ended = run({u"--selftest"_s});
         QCOMPARE(ended.status, 0);
         const QRegularExpression whole(
@@ -42,14 +31,12 @@ private Q_SLOTS:
             "(:\\d\\d){2}Z\n==.*\nALL [1-9]\\d* CHECKS PASSED\n$"_s,
             QRegularExpression::DotMatchesEverythingOption);
         QVERIFY2(whole.match(ended.output).hasMatch(), qPrintable(ended.output));
-        QCOMPARE(state(), before);
+        QCOMPARE(tree(m_home->path()), before);
     }
 
     void aRunWithoutResourcesFailsInSentences()
     {
-        const QString lonely = m_home->filePath(u"quillstone"_s);
-        QVERIFY(QFile::copy(program(), lonely));
-        const Ended ended = run({u"--selftest"_s}, lonely);
+        const Ended ended = run({u"--selftest"_s}, lonelyProgram());
         QCOMPARE(ended.status, 1);
         QVERIFY2(ended.output.contains(u": The template bill-of-sale-vehicle is missing"_s),
                  qPrintable(ended.output));
@@ -61,7 +48,6 @@ private Q_SLOTS:
     {
         const QString blocker = folder(u"data"_s) + u"/file"_s;
         writeFile(blocker, "x");
-        m_environment.insert(u"XDG_RUNTIME_DIR"_s, m_runtime.path());
         m_environment.insert(u"TMPDIR"_s, blocker);
         const Ended ended = run({u"--selftest"_s});
         QCOMPARE(ended.status, 1);
@@ -103,57 +89,6 @@ private Q_SLOTS:
         QCOMPARE(ended.status, 4);
         QVERIFY(ended.output.startsWith(u"ERROR|The PDF could not be saved: "_s));
     }
-
-private:
-    struct Ended
-    {
-        int status = -1;
-        QString output;
-        QString errors;
-    };
-
-    [[nodiscard]] static QString program()
-    {
-        return QCoreApplication::applicationDirPath() + u"/quillstone"_s;
-    }
-
-    /// A folder of the scratch user's home, made when it is missing.
-    [[nodiscard]] QString folder(const QString &name) const
-    {
-        QDir(m_home->path()).mkpath(name);
-        return m_home->filePath(name);
-    }
-
-    /// Every file and folder in the user's home, with its contents.
-    [[nodiscard]] QStringList state() const
-    {
-        QStringList files;
-        QDirIterator each(m_home->path(), QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot,
-                          QDirIterator::Subdirectories);
-        while (each.hasNext()) {
-            const QString path = each.next();
-            files.append(path + u' ' + QString::fromUtf8(contents(path)));
-        }
-        files.sort();
-        return files;
-    }
-
-    [[nodiscard]] Ended run(const QStringList &arguments, const QString &path = program()) const
-    {
-        constexpr int timeLimit = 240'000;
-        QProcess process;
-        process.setProcessEnvironment(m_environment);
-        process.start(path, arguments);
-        if (!process.waitForFinished(timeLimit) || process.exitStatus() != QProcess::NormalExit) {
-            return {};
-        }
-        return {process.exitCode(), QString::fromUtf8(process.readAllStandardOutput()),
-                QString::fromUtf8(process.readAllStandardError())};
-    }
-
-    std::unique_ptr<QTemporaryDir> m_home;
-    QTemporaryDir m_runtime; ///< for the desktop's libraries, which keep sockets and such there
-    QProcessEnvironment m_environment;
 };
 
 QTEST_GUILESS_MAIN(TestSelfTest)

@@ -1,48 +1,37 @@
-#include "QSStore.h"
-
+#include "ProgramFixture.h"
 #include "TestFiles.h"
 
-#include <QDir>
 #include <QImage>
-#include <QProcess>
 #include <QSet>
-#include <QTemporaryDir>
-#include <QTest>
 
 using namespace Qt::Literals::StringLiterals;
 
 /// The built executable as processes of its own.
-class TestProgram final : public QObject
+class TestProgram final : public QObject, private ProgramFixture
 {
     Q_OBJECT
 
 private Q_SLOTS:
     void init()
     {
-        m_home = std::make_unique<QTemporaryDir>();
-        m_environment = QProcessEnvironment::systemEnvironment();
+        beginProgram();
         m_environment.insert(u"QT_QPA_PLATFORM"_s, u"offscreen"_s);
-        m_environment.insert(u"QS_DATA_DIR"_s, dataFolder());
-        m_environment.insert(u"XDG_CONFIG_HOME"_s, m_home->filePath(u"config"_s));
-        m_environment.insert(u"XDG_RUNTIME_DIR"_s, m_home->path());
     }
 
     void theSecondStartEndsAndAKilledOneLeavesNoLock()
     {
         QProcess first;
-        start(first, {});
+        start(first);
         QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(database()), 20000);
-        QProcess second;
-        start(second, {});
-        QVERIFY(second.waitForFinished(20000));
-        QCOMPARE(second.exitCode(), 0);
-        QCOMPARE(second.readAllStandardOutput(), QByteArray());
+        const Ended second = run({});
+        QCOMPARE(second.status, 0);
+        QCOMPARE(second.output, QString());
         QCOMPARE(first.state(), QProcess::Running);
 
         first.kill();
         QVERIFY(first.waitForFinished(20000));
         QProcess third;
-        start(third, {});
+        start(third);
         QVERIFY(!third.waitForFinished(2000)); // it is the first again and goes on
         third.terminate();
         third.waitForFinished(20000);
@@ -50,8 +39,8 @@ private Q_SLOTS:
 
     void dataIsForItsOwnerAlone()
     {
-        QProcess program;
-        start(program, {});
+        QProcess running;
+        start(running);
         QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(database()), 20000);
         const auto others =
             QFile::ReadGroup | QFile::ReadOther | QFile::WriteGroup | QFile::WriteOther;
@@ -61,8 +50,8 @@ private Q_SLOTS:
                 QVERIFY2(!(file.permissions() & others), qPrintable(file.fileName()));
             }
         }
-        program.kill();
-        program.waitForFinished(20000);
+        running.kill();
+        running.waitForFinished(20000);
     }
 
     void aMissingDisplayIsSaidInASentence()
@@ -70,12 +59,9 @@ private Q_SLOTS:
         m_environment.remove(u"QT_QPA_PLATFORM"_s);
         m_environment.remove(u"DISPLAY"_s);
         m_environment.remove(u"WAYLAND_DISPLAY"_s);
-        QProcess program;
-        start(program, {});
-        QVERIFY(program.waitForFinished(20000));
-        QCOMPARE(program.exitStatus(), QProcess::NormalExit);
-        QCOMPARE(program.exitCode(), 1);
-        QVERIFY(program.readAllStandardError().contains("needs a display"));
+        const Ended ended = run({});
+        QCOMPARE(ended.status, 1);
+        QVERIFY2(ended.errors.contains(u"needs a display"_s), qPrintable(ended.errors));
     }
 
     void snapshotsNeedNoDisplayAndTouchNoUserData()
@@ -83,10 +69,7 @@ private Q_SLOTS:
         m_environment.remove(u"QT_QPA_PLATFORM"_s);
         m_environment.remove(u"DISPLAY"_s);
         const QString album = m_home->filePath(u"out"_s);
-        QProcess program;
-        start(program, {u"--qs-snapshot"_s, album});
-        QVERIFY(program.waitForFinished(120000));
-        QCOMPARE(program.exitCode(), 0);
+        QCOMPARE(run({u"--qs-snapshot"_s, album}).status, 0);
         const QStringList pictures = QDir(album).entryList({u"*.png"_s});
         QCOMPARE(pictures.size(), 16); // eight screens, and what else can be shown
         for (const QString &name : pictures) {
@@ -104,10 +87,7 @@ private Q_SLOTS:
         const QStringList options = {u"--theme"_s, u"rose-gold"_s, u"--zoom"_s,
                                      u"150"_s,     u"--state"_s,   u"TX"_s};
         for (const QStringList &arguments : {QStringList{again}, QStringList{larger} + options}) {
-            QProcess run;
-            start(run, QStringList{u"--qs-snapshot"_s} + arguments);
-            QVERIFY(run.waitForFinished(120000));
-            QCOMPARE(run.exitCode(), 0);
+            QCOMPARE(run(QStringList{u"--qs-snapshot"_s} + arguments).status, 0);
         }
         for (const QString &name : pictures) {
             const QByteArray first = contents(QDir(album).filePath(name));
@@ -119,58 +99,41 @@ private Q_SLOTS:
     void snapshotArgumentsThatMakeNoSenseAreRefused_data()
     {
         QTest::addColumn<QStringList>("arguments");
-        QTest::addColumn<QByteArray>("sentence");
-        QTest::newRow("no folder") << QStringList() << QByteArray("The folder to write into");
+        QTest::addColumn<QString>("sentence");
+        QTest::newRow("no folder") << QStringList() << u"The folder to write into"_s;
         QTest::newRow("no value") << QStringList{u"out"_s, u"--theme"_s}
-                                  << QByteArray("--theme needs a value after it.");
-        QTest::newRow("unknown theme") << QStringList{u"out"_s, u"--theme"_s, u"pink"_s}
-                                       << QByteArray("There is no theme \"pink\".");
+                                  << u"--theme needs a value after it."_s;
+        QTest::newRow("unknown theme")
+            << QStringList{u"out"_s, u"--theme"_s, u"pink"_s} << u"There is no theme \"pink\"."_s;
         QTest::newRow("zoom out of range")
-            << QStringList{u"out"_s, u"--zoom"_s, u"300"_s} << QByteArray("from 85 to 200");
+            << QStringList{u"out"_s, u"--zoom"_s, u"300"_s} << u"from 85 to 200"_s;
         QTest::newRow("unknown state") << QStringList{u"out"_s, u"--state"_s, u"ZZ"_s}
-                                       << QByteArray("The directory has no state \"ZZ\".");
+                                       << u"The directory has no state \"ZZ\"."_s;
         QTest::newRow("two folders")
-            << QStringList{u"out"_s, u"more"_s} << QByteArray("\"more\" is not understood.");
+            << QStringList{u"out"_s, u"more"_s} << u"\"more\" is not understood."_s;
     }
     void snapshotArgumentsThatMakeNoSenseAreRefused()
     {
         QFETCH(const QStringList, arguments);
-        QProcess program;
-        start(program, QStringList{u"--qs-snapshot"_s} + arguments);
-        QVERIFY(program.waitForFinished(20000));
-        QCOMPARE(program.exitCode(), 2);
-        QFETCH(const QByteArray, sentence);
-        QVERIFY(program.readAllStandardError().contains(sentence));
+        QFETCH(const QString, sentence);
+        const Ended ended = run(QStringList{u"--qs-snapshot"_s} + arguments);
+        QCOMPARE(ended.status, 2);
+        QVERIFY(ended.errors.contains(sentence));
     }
 
     void theWindowOpensWithoutResources()
     {
-        // a copy of the executable away from its resources: no templates, no directory, no crash
-        const QString lonely = m_home->filePath(u"quillstone"_s);
-        QVERIFY(QFile::copy(executable(), lonely));
-        QProcess program;
-        program.setProcessEnvironment(m_environment);
-        program.start(lonely, {});
-        QVERIFY(!program.waitForFinished(3000));
-        program.terminate();
-        QVERIFY(program.waitForFinished(20000));
+        QProcess lonely; // no templates, no directory, no crash
+        start(lonely, {}, lonelyProgram());
+        QVERIFY(!lonely.waitForFinished(3000));
+        lonely.terminate();
+        QVERIFY(lonely.waitForFinished(20000));
         QVERIFY(QFile::exists(database()));
     }
 
 private:
-    [[nodiscard]] static QString executable()
-    {
-        return QCoreApplication::applicationDirPath() + u"/quillstone"_s;
-    }
     [[nodiscard]] QString dataFolder() const { return m_home->filePath(u"data"_s); }
     [[nodiscard]] QString database() const { return dataFolder() + u"/Quillstone.sqlite"_s; }
-
-    void start(QProcess &process, const QStringList &arguments) const
-    {
-        process.setProcessEnvironment(m_environment);
-        process.start(executable(), arguments);
-        QVERIFY(process.waitForStarted(20000));
-    }
 
     static int colours(const QImage &picture)
     {
@@ -182,9 +145,6 @@ private:
         }
         return static_cast<int>(seen.size());
     }
-
-    std::unique_ptr<QTemporaryDir> m_home;
-    QProcessEnvironment m_environment;
 };
 
 QTEST_GUILESS_MAIN(TestProgram)

@@ -5,7 +5,6 @@
 #include "ScratchUser.h"
 #include "TestFiles.h"
 
-#include <QDirIterator>
 #include <QProcess>
 
 #include <memory>
@@ -35,19 +34,6 @@ inline QString filledPath(const QString &name)
 inline QStringList foldersAmongFilled()
 {
     return QSInfo::filledFolder().entryList(QDir::Dirs | QDir::Hidden | QDir::NoDotAndDotDot);
-}
-
-/// Every file and folder below, hidden ones too, with its bytes.
-inline QMap<QString, QByteArray> tree(const QString &folder)
-{
-    QMap<QString, QByteArray> files;
-    QDirIterator all(folder, QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot,
-                     QDirIterator::Subdirectories);
-    while (all.hasNext()) {
-        const QString path = all.next();
-        files.insert(path, contents(path));
-    }
-    return files;
 }
 
 /// The state that a backup stands for.

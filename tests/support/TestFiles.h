@@ -2,7 +2,9 @@
 
 #include "QSError.h"
 
+#include <QDirIterator>
 #include <QFile>
+#include <QMap>
 #include <QString>
 
 inline QByteArray contents(const QString &path)
@@ -17,6 +19,19 @@ inline void writeFile(const QString &path, const QByteArray &bytes)
     if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size()) {
         qFatal("%s could not be written", qPrintable(path));
     }
+}
+
+/// Every file and folder below by its path from there, hidden ones too, with its bytes.
+inline QMap<QString, QByteArray> tree(const QString &folder)
+{
+    QMap<QString, QByteArray> files;
+    QDirIterator all(folder, QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot,
+                     QDirIterator::Subdirectories);
+    while (all.hasNext()) {
+        const QString path = all.next();
+        files.insert(QDir(folder).relativeFilePath(path), contents(path));
+    }
+    return files;
 }
 
 /// The sentence of the error that the action throws; null when it throws none.

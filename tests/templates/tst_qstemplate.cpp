@@ -2,6 +2,7 @@
 #include "QSProfile.h"
 #include "QSStates.h"
 #include "QSTemplates.h"
+#include "TestFiles.h"
 
 #include <QTemporaryDir>
 #include <QTest>
@@ -23,13 +24,6 @@ QString picture(const QSField &field)
                        fieldKindWords.at(static_cast<std::size_t>(field.kind)).toString(),
                        field.profileKey.value_or(u"-"_s), field.required ? u"required"_s : u""_s}
         .join(u'|');
-}
-
-void write(const QTemporaryDir &folder, const QString &name, const QByteArray &bytes)
-{
-    QFile file(folder.filePath(name));
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    QCOMPARE(file.write(bytes), bytes.size());
 }
 
 QByteArray fileWithId(const QString &id)
@@ -254,18 +248,20 @@ void TestTemplate::states()
 void TestTemplate::catalogueOrderAndProblems()
 {
     const QTemporaryDir folder;
-    write(folder, u"b.qstemplate"_s, fileWithId(u"b"_s));
-    write(folder, u"a.qstemplate"_s, fileWithId(u"a"_s));
-    write(folder, u"Z.qstemplate"_s, "\xEF\xBB\xBF" + fileWithId(u"z"_s));
-    write(folder, u"notes.txt"_s, "not a template");
-    write(folder, u"old.qstemplate.bak"_s, fileWithId(u"old"_s));
-    write(folder, u"old.QSTEMPLATE"_s, fileWithId(u"old"_s));
-    write(folder, u"c-again.qstemplate"_s, fileWithId(u"a"_s));
-    write(folder, u"d-broken.qstemplate"_s, "id: d\n");
-    write(folder, u"e-latin.qstemplate"_s, fileWithId(u"e"_s) + "caf\xE9 au lait");
-    write(folder, u"f-cut.qstemplate"_s, fileWithId(u"f"_s) + "caf\xC3");
-    write(folder, u"g-large.qstemplate"_s,
-          fileWithId(u"g"_s) + QByteArray(qsizetype(1024) * 1024, 'x'));
+    const auto write = [&folder](const QString &name, const QByteArray &bytes) {
+        writeFile(folder.filePath(name), bytes);
+    };
+    write(u"b.qstemplate"_s, fileWithId(u"b"_s));
+    write(u"a.qstemplate"_s, fileWithId(u"a"_s));
+    write(u"Z.qstemplate"_s, "\xEF\xBB\xBF" + fileWithId(u"z"_s));
+    write(u"notes.txt"_s, "not a template");
+    write(u"old.qstemplate.bak"_s, fileWithId(u"old"_s));
+    write(u"old.QSTEMPLATE"_s, fileWithId(u"old"_s));
+    write(u"c-again.qstemplate"_s, fileWithId(u"a"_s));
+    write(u"d-broken.qstemplate"_s, "id: d\n");
+    write(u"e-latin.qstemplate"_s, fileWithId(u"e"_s) + "caf\xE9 au lait");
+    write(u"f-cut.qstemplate"_s, fileWithId(u"f"_s) + "caf\xC3");
+    write(u"g-large.qstemplate"_s, fileWithId(u"g"_s) + QByteArray(qsizetype(1024) * 1024, 'x'));
     QVERIFY(QDir(folder.path()).mkdir(u"folder.qstemplate"_s));
     // It opens, but nobody can read at its beginning, not even the superuser.
     QVERIFY(QFile::link(u"/proc/self/mem"_s, folder.filePath(u"h-failing.qstemplate"_s)));

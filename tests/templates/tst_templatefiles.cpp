@@ -1,8 +1,8 @@
 #include "QSInfo.h"
 #include "QSProfile.h"
 #include "QSTemplates.h"
+#include "TestFiles.h"
 
-#include <QFile>
 #include <QTest>
 
 #include <algorithm>
@@ -67,9 +67,10 @@ void TestTemplateFiles::content()
     QVERIFY(!form.info.isEmpty());
     QVERIFY(QDate::fromString(form.date, Qt::ISODate).isValid());
 
-    QFile file(QSInfo::resourceFolder()->filePath(u"templates/"_s + form.fileName));
-    QVERIFY(file.open(QIODevice::ReadOnly));
-    const QString words = QString::fromUtf8(file.readAll()).simplified();
+    const QByteArray text =
+        contents(QSInfo::resourceFolder()->filePath(u"templates/"_s + form.fileName));
+    QVERIFY(!text.isEmpty());
+    const QString words = QString::fromUtf8(text).simplified();
     for (const QString &advice : {u"you should"_s, u"we recommend"_s, u"you must"_s}) {
         QVERIFY2(!words.contains(advice, Qt::CaseInsensitive), qPrintable(advice));
     }

@@ -4,6 +4,8 @@
 #include <QAccessible>
 #include <QAction>
 #include <QMenu>
+#include <QMenuBar>
+#include <QSet>
 #include <QShortcut>
 #include <QTest>
 #include <QWidget>
@@ -14,67 +16,63 @@
 /// What a window offers to those who hear it and to those who use it by keys; each function returns
 /// what is wrong, a line each.
 namespace AccessibleTree {
-inline QString describe(const QAccessibleInterface &item)
+inline QString describe(QAccessibleInterface *item)
 {
-    QString role;
-    QDebug(&role).nospace() << item.role();
-    const QObject *object = item.object();
-    const QString type =
-        object ? QString::fromLatin1(object->metaObject()->className()) : QString();
-    return QStringLiteral("%1 \"%2\" %3").arg(role, item.text(QAccessible::Name), type);
+    QString said;
+    QDebug(&said) << item->role() << item->text(QAccessible::Name) << item->object();
+    return said;
 }
 
-inline bool isControl(QAccessible::Role role)
+inline QString describe(QWidget *widget)
 {
-    static const QList<QAccessible::Role> controls = {
+    return describe(QAccessible::queryAccessibleInterface(widget));
+}
+
+inline bool needsName(QAccessibleInterface *item)
+{
+    static const QSet<QAccessible::Role> roles = {
         QAccessible::Button,      QAccessible::ButtonMenu,   QAccessible::CheckBox,
         QAccessible::ComboBox,    QAccessible::EditableText, QAccessible::List,
         QAccessible::ListItem,    QAccessible::MenuItem,     QAccessible::ProgressBar,
         QAccessible::RadioButton, QAccessible::Table,        QAccessible::Notification,
         QAccessible::Dialog,      QAccessible::Window,       QAccessible::ColumnHeader};
-    return controls.contains(role);
+    if (QAccessibleTableCellInterface *cell = item->tableCellInterface()) {
+        return cell->columnIndex() == 0; // a table's row says something, be it in a single cell
+    }
+    return roles.contains(item->role()) || item->state().focusable;
 }
 
 /// Calls with everything in the tree that is not hidden.
 inline void walk(QAccessibleInterface *item,
-                 const std::function<void(const QAccessibleInterface &)> &visit)
+                 const std::function<void(QAccessibleInterface *)> &visit)
 {
     if (!item || item->state().invisible) {
         return;
     }
-    visit(*item);
+    visit(item);
     for (int i = 0; i < item->childCount(); ++i) {
         walk(item->child(i), visit);
     }
-}
-
-/// A table's row says something, be it in a single cell.
-inline bool isSilentRow(const QAccessibleInterface &cell)
-{
-    const QAccessibleTableCellInterface *place =
-        const_cast<QAccessibleInterface &>(cell).tableCellInterface();
-    return place && place->columnIndex() == 0 && cell.text(QAccessible::Name).isEmpty();
 }
 
 /// Controls without a name or a fitting role, and buttons that sound alike.
 inline QStringList wrongNames(QWidget &window)
 {
     QStringList wrong;
-    QStringList buttons;
-    walk(QAccessible::queryAccessibleInterface(&window), [&](const QAccessibleInterface &item) {
-        const QAccessible::Role role = item.role();
-        const bool isFocusable = item.state().focusable;
-        const bool isVague = role == QAccessible::Client || role == QAccessible::NoRole;
-        const QString name = item.text(QAccessible::Name).trimmed();
-        if ((isFocusable && isVague) || isSilentRow(item) ||
-            (name.isEmpty() && role != QAccessible::Cell && (isFocusable || isControl(role)))) {
+    QSet<QString> buttons;
+    walk(QAccessible::queryAccessibleInterface(&window), [&](QAccessibleInterface *item) {
+        const bool isVague =
+            item->role() == QAccessible::Client || item->role() == QAccessible::NoRole;
+        const bool isFocusable = item->state().focusable;
+        const QString name = item->text(QAccessible::Name).trimmed();
+        if ((isFocusable && isVague) || (name.isEmpty() && needsName(item))) {
             wrong.append(describe(item));
         }
-        if (isFocusable && qobject_cast<QAbstractButton *>(item.object())) {
+        if (isFocusable && qobject_cast<QAbstractButton *>(item->object())) {
             if (buttons.contains(name)) {
                 wrong.append(QStringLiteral("twice: ") + describe(item));
             }
-            buttons.append(name);
+            buttons.insert(name);
         }
     });
     return wrong;
@@ -88,32 +86,12 @@ inline QRect placeIn(const QWidget &window, const QWidget *widget)
 /// The controls that Tab has to reach.
 inline QWidgetList tabStops(const QWidget &window)
 {
-    QWidgetList found;
-    for (QWidget *each : window.findChildren<QWidget *>()) {
+    QWidgetList found = window.findChildren<QWidget *>();
+    found.removeIf([&window](const QWidget *each) {
         const bool ownsFocus = (each->focusPolicy() & Qt::TabFocus) && !each->focusProxy();
-        if (ownsFocus && each->isVisible() && each->isEnabled() && each->window() == &window) {
-            found.append(each);
-        }
-    }
+        return !ownsFocus || !each->isVisible() || !each->isEnabled() || each->window() != &window;
+    });
     return found;
-}
-
-/// What the keyboard comes past from where it is, until it is back or has gone too far.
-inline QWidgetList tabWalk(QWidget &window, Qt::Key key, qsizetype longest,
-                           const std::function<void(QWidget *, QWidget *)> &step = {})
-{
-    QWidgetList walked;
-    QWidget *first = window.focusWidget();
-    QWidget *at = first;
-    do {
-        walked.append(at);
-        QTest::keyClick(at, key, key == Qt::Key_Backtab ? Qt::ShiftModifier : Qt::NoModifier);
-        if (step) {
-            step(at, window.focusWidget());
-        }
-        at = window.focusWidget();
-    } while (at != first && walked.size() <= longest);
-    return walked;
 }
 
 /// Whether a step of the keyboard goes up or to the left; up to the right is the next column.
@@ -124,9 +102,27 @@ inline bool isJump(const QRect &from, const QRect &to)
     return isUp || (isSameRow && to.right() < from.left());
 }
 
-inline QString nameOf(QWidget *widget)
+struct Walk
 {
-    return describe(*QAccessible::queryAccessibleInterface(widget));
+    QWidgetList past;  ///< what the keyboard comes past, until it is back or has gone too far
+    QStringList jumps; ///< measured at each step, since areas scroll meanwhile
+};
+
+inline Walk tabWalk(QWidget &window, bool forward, qsizetype longest)
+{
+    Walk walk;
+    QWidget *at = window.focusWidget();
+    do {
+        walk.past.append(at);
+        QTest::keyClick(at, forward ? Qt::Key_Tab : Qt::Key_Backtab,
+                        forward ? Qt::NoModifier : Qt::ShiftModifier);
+        QWidget *next = window.focusWidget();
+        if (isJump(placeIn(window, at), placeIn(window, next))) {
+            walk.jumps.append(QStringLiteral("jump: %1 -> %2").arg(describe(at), describe(next)));
+        }
+        at = next;
+    } while (at != walk.past.first() && walk.past.size() <= longest);
+    return walk;
 }
 
 /// Widgets that Tab misses or does not leave, jumps beside the one that closes the circle, and a
@@ -140,40 +136,34 @@ inline QStringList wrongTabs(QWidget &window)
     const qsizetype longest = stops.size() + 100; // what has an order of its own has more
     stops.first()->setFocus(Qt::TabFocusReason);
     QTest::keyClick(window.focusWidget(), Qt::Key_Tab); // a view may hand the keyboard on
-    QStringList jumps;
-    QWidgetList there = tabWalk(window, Qt::Key_Tab, longest, [&](QWidget *from, QWidget *to) {
-        if (isJump(placeIn(window, from), placeIn(window, to))) {
-            jumps.append(QStringLiteral("jump: %1 -> %2").arg(nameOf(from), nameOf(to)));
-        }
-    });
-    QStringList wrong = jumps.size() > 1 ? jumps : QStringList();
-    if (there.size() > longest) {
-        wrong.append(QStringLiteral("trap: ") + nameOf(there.last()));
+    Walk there = tabWalk(window, true, longest);
+    QStringList wrong = there.jumps.size() > 1 ? there.jumps : QStringList();
+    if (there.past.size() > longest) {
+        wrong.append(QStringLiteral("trap: ") + describe(there.past.last()));
     }
     for (QWidget *stop : stops) {
-        const auto isAt = [stop](const QWidget *at) {
-            return stop == at || stop->isAncestorOf(at);
-        };
-        if (std::ranges::none_of(there, isAt)) {
-            wrong.append(QStringLiteral("missed: ") + nameOf(stop));
+        if (std::ranges::none_of(there.past, [stop](const QWidget *at) {
+                return stop == at || stop->isAncestorOf(at);
+            })) {
+            wrong.append(QStringLiteral("missed: ") + describe(stop));
         }
     }
-    const QWidgetList back = tabWalk(window, Qt::Key_Backtab, longest);
-    std::reverse(there.begin() + 1, there.end());
-    if (back != there) {
+    std::reverse(there.past.begin() + 1, there.past.end());
+    if (tabWalk(window, false, longest).past != there.past) {
         wrong.append(QStringLiteral("the way back differs"));
     }
     return wrong;
 }
 
+/// The keys after their first time.
 inline QStringList twice(QStringList keys)
 {
-    keys.removeAll(QString());
-    QStringList unique = keys;
-    unique.removeDuplicates();
-    for (const QString &key : unique) {
-        keys.removeOne(key);
-    }
+    QSet<QString> seen;
+    keys.removeIf([&seen](const QString &key) {
+        const bool isNew = !seen.contains(key);
+        seen.insert(key);
+        return isNew || key.isEmpty();
+    });
     return keys;
 }
 
@@ -181,21 +171,16 @@ inline QStringList twice(QStringList keys)
 inline QStringList collidingKeys(const QWidget &window)
 {
     QStringList keys;
-    const auto add = [&keys](const QList<QKeySequence> &some) {
-        for (const QKeySequence &each : some) {
-            keys.append(each.toString());
-        }
-    };
     for (const QAction *action : window.findChildren<QAction *>()) {
         if (!action->associatedObjects().isEmpty() &&
             action->shortcutContext() != Qt::WidgetShortcut) {
-            add(action->shortcuts());
+            keys += QKeySequence::listToString(action->shortcuts()).split(QStringLiteral("; "));
         }
     }
     for (const QShortcut *shortcut : window.findChildren<QShortcut *>()) {
         if (qobject_cast<QWidget *>(shortcut->parent())->isVisible() &&
             shortcut->context() != Qt::WidgetShortcut) {
-            add({shortcut->key()});
+            keys.append(shortcut->key().toString());
         }
     }
     return twice(keys);
@@ -204,28 +189,27 @@ inline QStringList collidingKeys(const QWidget &window)
 /// The letters after "&" that a menu, or a window with its menu bar, has twice.
 inline QStringList collidingLetters(const QWidget &window)
 {
-    const auto letters = [](const QList<QAction *> &actions) {
+    const auto letter = [](const auto *labelled) {
+        return QKeySequence::mnemonic(labelled->text()).toString();
+    };
+    const auto letters = [&letter](const QWidget *menu) {
         QStringList found;
-        for (const QAction *action : actions) {
-            found.append(QKeySequence::mnemonic(action->text()).toString());
+        for (const QAction *action : menu->actions()) {
+            found.append(letter(action));
         }
         return found;
     };
-    QStringList wrong;
-    for (const QMenu *menu : window.findChildren<QMenu *>()) {
-        wrong += twice(letters(menu->actions()));
-    }
     QStringList ofWindow;
-    for (const QWidget *each : window.findChildren<QWidget *>()) {
-        if (!each->isVisible() || qobject_cast<const QMenu *>(each)) {
-            continue;
-        }
-        if (const auto *button = qobject_cast<const QAbstractButton *>(each)) {
-            ofWindow.append(QKeySequence::mnemonic(button->text()).toString());
-        } else if (each->inherits("QMenuBar")) {
-            ofWindow += letters(each->actions());
-        }
+    for (const QMenuBar *bar : window.findChildren<QMenuBar *>()) {
+        ofWindow += letters(bar);
     }
-    return wrong + twice(ofWindow);
+    for (const QAbstractButton *button : window.findChildren<QAbstractButton *>()) {
+        ofWindow.append(button->isVisible() ? letter(button) : QString());
+    }
+    QStringList wrong = twice(ofWindow);
+    for (const QMenu *menu : window.findChildren<QMenu *>()) {
+        wrong += twice(letters(menu));
+    }
+    return wrong;
 }
 } // namespace AccessibleTree

@@ -1,8 +1,6 @@
 #pragma once
 
-#include "AppModel.h"
-#include "FakeDesktop.h"
-#include "ScratchUser.h"
+#include "ModelFixture.h"
 #include "WindowHand.h"
 #include "formwindow/FieldControl.h"
 #include "formwindow/FormView.h"
@@ -12,22 +10,15 @@
 #include <QLineEdit>
 #include <QPlainTextEdit>
 
-#include <memory>
-
 /// The form window on a scratch user's empty database, what it shows and what its document holds.
-class FormWindowFixture : protected WindowHand
+class FormWindowFixture : protected WindowHand, protected ModelFixture
 {
 protected:
-    static constexpr int dontSave = 1;
-
     [[nodiscard]] QWidget *window() const override { return m_window.get(); }
 
     void begin()
     {
-        m_user = std::make_unique<ScratchUser>();
-        QSStore::setShared(std::make_unique<QSStore>(QSInfo::databaseURL()));
-        m_desktop = std::make_unique<FakeDesktop>();
-        m_model = std::make_unique<AppModel>(*m_desktop);
+        beginModel();
         m_window = std::make_unique<FormWindow>(*m_model);
         m_window->resize(QSize(60, 44) * m_window->fontMetrics().height()); // room for the pages
     }
@@ -35,9 +26,7 @@ protected:
     void end()
     {
         m_window.reset();
-        m_model.reset();
-        QSStore::setShared(nullptr);
-        m_user.reset();
+        endModel();
     }
 
     void open(const QByteArray &pdf)
@@ -111,9 +100,6 @@ protected:
 
     void undo() const { press(Qt::Key_Z, Qt::ControlModifier); }
 
-    std::unique_ptr<ScratchUser> m_user;
-    std::unique_ptr<FakeDesktop> m_desktop;
-    std::unique_ptr<AppModel> m_model;
     std::unique_ptr<FormWindow> m_window;
     FormView *m_view = nullptr;
     PageList *m_pages = nullptr;

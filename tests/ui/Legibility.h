@@ -1,25 +1,18 @@
 #pragma once
 
-#include "VellTheme.h"
-
 #include <QAbstractButton>
-#include <QComboBox>
 #include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListView>
 #include <QMenu>
 #include <QMenuBar>
-#include <QPlainTextEdit>
 #include <QScrollArea>
-#include <QStyle>
-#include <QTableView>
 
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <functional>
-#include <vector>
+#include <map>
 
 /// How well what a window shows can be read, from its picture.
 namespace Legibility {
@@ -33,15 +26,18 @@ struct Text
     QString what;
     QRect rect;
     double first = body; ///< of its first line
-    double rest = body;  ///< of those below
+    double rest = first; ///< of those below
 };
 
-struct Measured
+inline QImage picture(QWidget &window, const QRect &part)
 {
-    Text text;
-    double contrast = 0;
-    double needed = 0;
-};
+    return window.grab(part).toImage().convertToFormat(QImage::Format_RGB32);
+}
+
+inline const QRgb *dotsOf(const QImage &image, int y)
+{
+    return reinterpret_cast<const QRgb *>(image.constScanLine(y));
+}
 
 inline double luminance(QRgb colour)
 {
@@ -66,28 +62,22 @@ inline double contrast(QRgb a, QRgb b)
 /// The most frequent colour of a row of dots: gradients run from top to bottom only.
 inline QRgb ground(const QRgb *dots, int width)
 {
-    std::vector<std::pair<QRgb, int>> counts;
-    std::size_t last = 0;
-    for (int x = 0; x < width; ++x) {
-        if (last >= counts.size() || counts[last].first != dots[x]) {
-            last = 0;
-            while (last < counts.size() && counts[last].first != dots[x]) {
-                ++last;
-            }
-            if (last == counts.size()) {
-                counts.emplace_back(dots[x], 0);
-            }
+    std::map<QRgb, int> counts;
+    for (int x = 0, end = 0; x < width; x = end) {
+        while (end < width && dots[end] == dots[x]) {
+            ++end;
         }
-        ++counts[last].second;
+        counts[dots[x]] += end - x;
     }
-    return std::ranges::max_element(counts, {}, &std::pair<QRgb, int>::second)->first;
+    using Count = std::map<QRgb, int>::value_type;
+    return std::ranges::max_element(counts, {}, &Count::second)->first;
 }
 
 /// Contrast of the colour that letters have where they are not smoothed, on the worst ground that
-/// they stand on. Rows of dots without letters part the lines.
-inline QList<Measured> measure(const QImage &picture, const Text &text)
+/// they stand on; of each line. Rows of dots without letters part the lines.
+inline QList<double> lineContrasts(const QImage &image, const QRect &rect)
 {
-    QList<Measured> lines;
+    QList<double> lines;
     QList<QRgb> grounds;
     QList<std::pair<double, QRgb>> inks;
     const auto endLine = [&] {
@@ -99,16 +89,14 @@ inline QList<Measured> measure(const QImage &picture, const Text &text)
             for (const QRgb each : grounds) {
                 worst = std::min(worst, contrast(full->second, each));
             }
-            lines.append({text, worst, lines.isEmpty() ? text.first : text.rest});
+            lines.append(worst);
         }
         inks.clear();
         grounds.clear();
     };
-    const QRect rect = text.rect.intersected(picture.rect());
     QRgb under = 0;
     for (int y = rect.top(); y <= rect.bottom(); ++y) {
-        const auto *line = reinterpret_cast<const QRgb *>(picture.constScanLine(y));
-        const QRgb *dots = line + rect.left();
+        const QRgb *dots = dotsOf(image, y) + rect.left();
         const QRgb likely = ground(dots, rect.width());
         if (y == rect.top() || contrast(likely, under) < 1.1) { // else the letters have the most
             under = likely;
@@ -143,21 +131,19 @@ inline QList<Text> rowsOf(const QAbstractItemView &view)
     QList<Text> found;
     const QAbstractItemModel *model = view.model();
     const int em = view.fontMetrics().height();
-    for (int row = 0; model && row < model->rowCount(); ++row) {
-        for (int column = 0; column < model->columnCount(); ++column) {
-            const QModelIndex index = model->index(row, column);
-            QRect at = view.visualRect(index).intersected(view.viewport()->rect());
-            if (at.height() < em || index.data().toString().isEmpty()) {
-                continue;
-            }
-            at.adjust(index.data(Qt::DecorationRole).isNull() ? em / 3 : em * 2, em / 6, -em / 3,
-                      -em / 6);
-            const bool isSelected = view.selectionModel()->isSelected(index);
-            const bool isOnAccent = isSelected && view.objectName() != QStringLiteral("sidebar");
-            found.append(
-                {index.data().toString() + (isSelected ? QStringLiteral(" (selected)") : QString()),
-                 at.translated(view.viewport()->pos()), isOnAccent ? secondary : body, secondary});
+    for (int cell = 0; model && cell < model->rowCount() * model->columnCount(); ++cell) {
+        const QModelIndex index =
+            model->index(cell / model->columnCount(), cell % model->columnCount());
+        QRect at = view.visualRect(index).intersected(view.viewport()->rect());
+        if (at.height() < em) {
+            continue;
         }
+        const bool hasIcon = !index.data(Qt::DecorationRole).isNull();
+        at.adjust(hasIcon ? em * 2 : em / 3, em / 6, -em / 3, -em / 6);
+        const bool isOnAccent = view.selectionModel()->isSelected(index) &&
+                                view.objectName() != QStringLiteral("sidebar");
+        found.append({index.data().toString(), at.translated(view.viewport()->pos()),
+                      isOnAccent ? secondary : body, secondary});
     }
     return found;
 }
@@ -169,49 +155,45 @@ QList<Text> commandsOf(const Menu &menu, const QAction *active, int beside)
     QList<Text> found;
     for (QAction *action : menu.actions()) {
         if (action->isEnabled() && !action->isSeparator()) {
-            const double needed = action == active ? secondary : body;
             found.append({action->text(),
-                          menu.actionGeometry(action).adjusted(beside, 0, -beside / 2, 0), needed,
-                          needed});
+                          menu.actionGeometry(action).adjusted(beside, 0, -beside / 2, 0),
+                          action == active ? secondary : body});
         }
     }
     return found;
 }
 
+/// What is typed or chosen in a control, else what stands there in its place.
+inline Text contentOf(const QWidget &widget)
+{
+    const int inset = widget.fontMetrics().height() / 2;
+    const auto *line = qobject_cast<const QLineEdit *>(&widget);
+    const bool hasIcon = line && !line->actions().isEmpty();
+    const QRect rect = widget.contentsRect().adjusted(hasIcon ? inset * 4 : inset, inset / 2,
+                                                      -inset * 4, -inset / 2);
+    for (const char *kind : {"text", "plainText", "currentText"}) {
+        if (const QString typed = widget.property(kind).toString(); !typed.isEmpty()) {
+            return {typed, rect};
+        }
+    }
+    return {widget.property("placeholderText").toString(), rect, secondary};
+}
+
 /// The texts of one widget, in its own coordinates.
 inline QList<Text> textsOf(const QWidget &widget)
 {
-    const QRect inside = widget.contentsRect();
+    const int em = widget.fontMetrics().height();
     if (const auto *label = qobject_cast<const QLabel *>(&widget)) {
-        const double needed = label->property("role") == QStringLiteral("note") ? secondary : body;
-        return {{label->text(), inside, needed, needed}};
+        const bool isNote = label->property("role") == QStringLiteral("note");
+        return {{label->text(), label->contentsRect(), isNote ? secondary : body}};
     }
     if (const auto *button = qobject_cast<const QAbstractButton *>(&widget)) {
-        const double needed = button->property("primary").toBool() ? secondary : body;
-        return {{button->text(), lettersOf(*button), needed, needed}};
-    }
-    const int inset = widget.fontMetrics().height() / 2;
-    const QRect edit = inside.adjusted(inset, inset / 2, -inset * 4, -inset / 2);
-    if (const auto *line = qobject_cast<const QLineEdit *>(&widget)) {
-        const bool isPlaceholder = line->text().isEmpty();
-        const double needed = isPlaceholder ? secondary : body;
-        const bool hasIcon = !line->actions().isEmpty();
-        return {{isPlaceholder ? line->placeholderText() : line->text(),
-                 edit.adjusted(hasIcon ? inset * 3 : 0, 0, 0, 0), needed, needed}};
-    }
-    if (const auto *combo = qobject_cast<const QComboBox *>(&widget)) {
-        return {{combo->currentText(), edit}};
-    }
-    if (const auto *area = qobject_cast<const QPlainTextEdit *>(&widget)) {
-        const double needed = area->toPlainText().isEmpty() ? secondary : body;
-        return {{area->toPlainText() + area->placeholderText(), edit, needed, needed}};
-    }
-    if (const auto *area = qobject_cast<const QTextEdit *>(&widget)) {
-        return {{area->toPlainText(), edit}};
+        const bool isOnAccent = button->property("primary").toBool();
+        return {{button->text(), lettersOf(*button), isOnAccent ? secondary : body}};
     }
     if (qobject_cast<const QHeaderView *>(&widget)) {
-        return {{QStringLiteral("header"), inside.adjusted(inset, inset / 2, -inset, -inset / 2),
-                 secondary, secondary}};
+        return {{QStringLiteral("header"),
+                 widget.contentsRect().adjusted(em / 2, em / 4, -em / 2, -em / 4), secondary}};
     }
     if (const auto *view = qobject_cast<const QAbstractItemView *>(&widget)) {
         return rowsOf(*view);
@@ -220,27 +202,24 @@ inline QList<Text> textsOf(const QWidget &widget)
         return commandsOf(*bar, nullptr, 0);
     }
     if (const auto *menu = qobject_cast<const QMenu *>(&widget)) {
-        return commandsOf(*menu, menu->activeAction(), inset * 5);
+        return commandsOf(*menu, menu->activeAction(), em * 5 / 2);
     }
-    return {};
+    return {contentOf(widget)};
 }
 
-/// All enabled texts that can be seen in a window.
-inline QList<Text> texts(const QWidget &window)
+/// All enabled texts that can be seen in a window; what stands on a form's paper is the agency's.
+inline QList<Text> texts(QWidget &window)
 {
     QList<Text> found;
-    QList<const QWidget *> widgets = window.findChildren<const QWidget *>();
-    widgets.append(&window);
-    for (const QWidget *each : widgets) {
+    for (const QWidget *each : QWidgetList{&window} + window.findChildren<QWidget *>()) {
         const bool isOnPaper = each->focusPolicy() == Qt::ClickFocus;
         if (!each->isVisible() || !each->isEnabled() || each->window() != &window || isOnPaper) {
             continue;
         }
         const QRect seen = each->visibleRegion().boundingRect();
         for (Text text : textsOf(*each)) {
-            const QPoint place = each->mapTo(&window, QPoint());
             const bool isCut = text.rect.intersected(seen).height() < text.rect.height();
-            text.rect = text.rect.intersected(seen).translated(place);
+            text.rect = text.rect.intersected(seen).translated(each->mapTo(&window, QPoint()));
             if (!text.what.isEmpty() &&
                 (!isCut || text.rect.height() > each->fontMetrics().height() * 2)) {
                 found.append(text);
@@ -250,39 +229,52 @@ inline QList<Text> texts(const QWidget &window)
     return found;
 }
 
-inline QList<Measured> measure(QWidget &window)
+/// The lines that stand out too little; a window without any is wrong, too.
+inline QStringList faint(QWidget &window)
 {
-    const QImage picture = window.grab().toImage().convertToFormat(QImage::Format_RGB32);
-    QList<Measured> found;
+    const QImage image = picture(window, window.rect());
+    QStringList wrong;
+    qsizetype measured = 0;
     for (const Text &text : texts(window)) {
-        found += measure(picture, text);
+        const QList<double> lines = lineContrasts(image, text.rect.intersected(image.rect()));
+        measured += lines.size();
+        for (qsizetype i = 0; i < lines.size(); ++i) {
+            const double needed = i == 0 ? text.first : text.rest;
+            if (lines.at(i) < needed) {
+                wrong.append(QStringLiteral("%1 of %2 in \"%3\"")
+                                 .arg(lines.at(i), 0, 'f', 2)
+                                 .arg(needed)
+                                 .arg(text.what.left(30)));
+            }
+        }
     }
-    return found;
+    return measured > 0 ? wrong : QStringList{QStringLiteral("no text")};
+}
+
+inline void scrollTo(QWidget *widget)
+{
+    for (QWidget *each = widget; each; each = each->parentWidget()) {
+        if (auto *area = qobject_cast<QScrollArea *>(each)) {
+            area->ensureWidgetVisible(widget);
+        }
+    }
 }
 
 /// Dots that the keyboard's coming to a widget sets off from what they were.
 inline int ringSize(QWidget &window, QWidget *widget)
 {
-    for (QWidget *each = widget->parentWidget(); each && each != &window;
-         each = each->parentWidget()) {
-        if (auto *area = qobject_cast<QScrollArea *>(each)) {
-            area->ensureWidgetVisible(widget);
-        }
-    }
-    const auto picture = [&window, widget] {
-        const QRect at(widget->mapTo(&window, QPoint()), widget->size());
-        return window.grab(at).toImage().convertToFormat(QImage::Format_RGB32);
-    };
+    scrollTo(widget);
+    const QRect place(widget->mapTo(&window, QPoint()), widget->size());
     widget->clearFocus();
-    const QImage before = picture();
+    const QImage before = picture(window, place);
     widget->setFocus(Qt::TabFocusReason);
-    const QImage after = picture();
+    const QImage after = picture(window, place);
     int found = 0;
     for (int y = 0; y < before.height(); ++y) {
-        const auto *was = reinterpret_cast<const QRgb *>(before.constScanLine(y));
-        const auto *is = reinterpret_cast<const QRgb *>(after.constScanLine(y));
         for (int x = 0; x < before.width(); ++x) {
-            found += was[x] != is[x] && contrast(was[x], is[x]) >= mark ? 1 : 0;
+            const QRgb was = dotsOf(before, y)[x];
+            const QRgb is = dotsOf(after, y)[x];
+            found += was != is && contrast(was, is) >= mark ? 1 : 0;
         }
     }
     return found;

@@ -1,15 +1,11 @@
 #pragma once
 
-#include "AppModel.h"
-#include "FakeDesktop.h"
 #include "MainWindow.h"
-#include "ScratchUser.h"
+#include "ModelFixture.h"
 #include "WindowHand.h"
 
-#include <memory>
-
 /// The program's window on a scratch user's empty database.
-class WindowFixture : protected WindowHand
+class WindowFixture : protected WindowHand, protected ModelFixture
 {
 protected:
     [[nodiscard]] QWidget *window() const override { return m_window.get(); }
@@ -17,9 +13,8 @@ protected:
     /// False when the window does not come up.
     [[nodiscard]] bool begin()
     {
-        m_user = std::make_unique<ScratchUser>();
-        QSPrefs::setDisclaimerAccepted(true);
-        m_desktop = std::make_unique<FakeDesktop>();
+        beginModel();
+        m_model->acceptDisclaimer();
         return restart();
     }
 
@@ -27,9 +22,7 @@ protected:
     [[nodiscard]] bool restart()
     {
         m_window.reset();
-        m_model.reset();
-        QSStore::setShared(nullptr);
-        QSStore::setShared(std::make_unique<QSStore>(QSInfo::databaseURL()));
+        restartModel();
         return openWindow() && QTest::qWaitForWindowActive(m_window.get());
     }
 
@@ -45,13 +38,8 @@ protected:
     void end()
     {
         m_window.reset();
-        m_model.reset();
-        QSStore::setShared(nullptr);
-        m_user.reset();
+        endModel();
     }
 
-    std::unique_ptr<ScratchUser> m_user;
-    std::unique_ptr<FakeDesktop> m_desktop;
-    std::unique_ptr<AppModel> m_model;
     std::unique_ptr<MainWindow> m_window;
 };

@@ -16,9 +16,6 @@
 using namespace Qt::Literals::StringLiterals;
 
 namespace {
-constexpr int save = 0;
-constexpr int cancel = 2;
-
 const QHash<QChar, Qt::Key> keysOfSigns = {
     {u'\n', Qt::Key_Return}, {u'\u2190', Qt::Key_Left}, {u'\u2193', Qt::Key_Down}};
 
@@ -62,12 +59,7 @@ private Q_SLOTS:
     void initTestCase() { setLook(); }
 
     void init() { begin(); }
-
-    void cleanup()
-    {
-        QVERIFY2(m_desktop->settled(), qPrintable(m_desktop->unexpected.join(u'\n')));
-        end();
-    }
+    void cleanup() { end(); }
 
     void typingReachesTheDocument_data()
     {

@@ -71,6 +71,8 @@ private Q_SLOTS:
         for (const VellTheme &theme : VellThemes::all()) {
             QVERIFY2(VellTheme::contrast(theme.text, theme.bg) >= 7, qPrintable(theme.name));
             QVERIFY2(VellTheme::contrast(theme.dim, theme.bg) >= 4.5, qPrintable(theme.name));
+            QVERIFY2(VellTheme::contrast(theme.readableOn(theme.accent), theme.accent) >= 4.5,
+                     qPrintable(theme.name));
         }
         QCOMPARE(VellThemes::all().last().id, QSThemes::graphiteID);
         QVERIFY(qAbs(VellTheme::contrast(VellTheme::RGB(0), VellTheme::RGB(0xFFFFFF)) - 21) < 1e-9);
