@@ -5,8 +5,8 @@
 #include <QLabel>
 #include <QString>
 
-/// An icon that stands by itself, some lines of its font tall and in the theme's colours as they are
-/// when it is painted. It says nothing to screen readers; the text beside it does.
+/// An icon that stands by itself, some lines of its font tall and in the theme's colours as they
+/// are when it is painted. It says nothing to screen readers; the text beside it does.
 class VxIconLabel final : public QLabel
 {
     Q_OBJECT
