@@ -224,23 +224,28 @@ void Bench::measureLook()
     m_model.openPractice();
     ByName themes;
     ByName zooms;
-    const auto measure = [&](const std::string &page) {
+    const auto measure = [&](const std::string &page, const auto &showPage) {
+        const auto add = [&](ByName &series, const auto &change) {
+            for (const Screens::Info &each : Screens::all) { // a change drops what is not seen
+                m_model.show(each.screen);
+                QCoreApplication::processEvents();
+            }
+            showPage();
+            spin(std::chrono::milliseconds(50));
+            series[page].add(untilPainted(change));
+        };
         for (const double zoom : {1.5, 1.0}) {
-            zooms[page].add(untilPainted([zoom] { VxZoom::setValue(zoom); }));
+            add(zooms, [zoom] { VxZoom::setValue(zoom); });
         }
         for (const VellTheme &theme : VellThemes::all()) {
             if (theme.id != VellThemes::current().id) {
-                themes[page].add(untilPainted([&theme] { VellThemes::setCurrentID(theme.id); }));
+                add(themes, [&theme] { VellThemes::setCurrentID(theme.id); });
             }
         }
     };
-    edit();
-    spin(std::chrono::seconds(1));
-    measure("the editor");
+    measure("the editor", [this] { edit(); });
     for (const Screens::Info &each : Screens::all) {
-        m_model.show(each.screen);
-        spin(std::chrono::milliseconds(100));
-        measure(each.title.toString().toStdString());
+        measure(each.title.toString().toStdString(), [&] { m_model.show(each.screen); });
     }
     print("change of the theme, all screens, the editor and a form open", themes, 150);
     print("change of the size from 100 % to 150 % and back, the same", zooms, 150);
