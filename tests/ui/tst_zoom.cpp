@@ -6,6 +6,7 @@
 
 #include <QComboBox>
 #include <QLineEdit>
+#include <QScrollArea>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -68,6 +69,12 @@ QStringList faults(const QWidget &window)
             }
         }
         shown.append(each);
+    }
+    for (const QScrollArea *area : window.findChildren<QScrollArea *>()) {
+        const bool scrolls = area->horizontalScrollBarPolicy() != Qt::ScrollBarAlwaysOff;
+        if (area->isVisible() && !scrolls && area->widget()->width() > area->viewport()->width()) {
+            found.append(u"%1 is wider than its room"_s.arg(area->accessibleName()));
+        }
     }
     found.removeAll(QString());
     return found;

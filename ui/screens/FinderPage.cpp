@@ -71,7 +71,7 @@ FinderPage::FinderPage(AppModel &model, const QSTask &task, QWidget *parent)
 {
     setProperty("clear", true);
     const int em = fontMetrics().height();
-    m_column->setContentsMargins(em / 2, 0, em / 2, em / 2);
+    m_column->setContentsMargins(em / 4, 0, em / 4, em / 2);
     m_column->setSpacing(em);
     if (const auto found = QSFinder::result(task, m_state)) {
         createParts(*found);
@@ -246,6 +246,7 @@ QVBoxLayout *FinderPage::addSection(const QString &heading)
     auto *panel = new VxPanel(this);
     column->addWidget(panel);
     panel->column()->setSpacing(em);
+    panel->column()->setContentsMargins(em * 3 / 4, em * 3 / 4, em * 3 / 4, em * 3 / 4);
     return panel->column();
 }
 

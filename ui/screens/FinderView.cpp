@@ -112,6 +112,10 @@ void FinderView::setPage(QWidget *page)
 {
     m_area->takeWidget()->deleteLater(); // a button of it may be at work
     m_area->setWidget(page);
+    // no button of it may lie beyond the border that people move
+    m_area->setMinimumWidth(page->minimumSizeHint().width() +
+                            m_area->verticalScrollBar()->sizeHint().width() +
+                            2 * m_area->frameWidth());
     m_area->verticalScrollBar()->setValue(0);
     QWidget *before = m_area; // what is made later stands last in the window otherwise
     for (QPushButton *button : page->findChildren<QPushButton *>()) {
