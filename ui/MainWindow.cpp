@@ -108,6 +108,7 @@ MainWindow::MainWindow(AppModel &model)
     createWindow();
     keepScreen();
     connectModel();
+    connect(m_pages, &QStackedWidget::currentChanged, this, &MainWindow::sizeByPage);
     showPage();
     showMessage();
 }
@@ -119,6 +120,15 @@ void MainWindow::addPage(QWidget *page)
     m_pages->addWidget(page);
     // Tab reaches the message and the footer after every page
     setTabOrder(m_message->followInTabOrder(VxWindow::lastTabStop(this)), m_disclaimer);
+}
+
+void MainWindow::sizeByPage()
+{
+    for (int i = 0; i < m_pages->count(); ++i) {
+        const bool counts = i == m_pages->currentIndex();
+        const QSizePolicy::Policy policy = counts ? QSizePolicy::Expanding : QSizePolicy::Ignored;
+        m_pages->widget(i)->setSizePolicy(policy, policy);
+    }
 }
 
 void MainWindow::dropPage(QWidget *page)

@@ -52,6 +52,8 @@ private:
     void arrangeHeader();
     void addPage(QWidget *page);
     void dropPage(QWidget *page);
+    /// The window scrolls where the page that is shown has no room; the others don't count.
+    void sizeByPage();
     /// Pages that nobody sees are made anew when they are next shown; the editor stays while a
     /// document is open in it.
     void dropHiddenPages();

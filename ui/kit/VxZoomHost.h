@@ -19,12 +19,14 @@ public:
 
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
     void showEvent(QShowEvent *event) override;
 
 private:
     /// The content's smallest size holds for the window too, where the screen has room for it.
     void limit();
 
+    QWidget *m_content;
     QSize m_lines;
     QWidget *m_origin;
 };
