@@ -99,7 +99,7 @@ QString AppModel::handOut(const QSFilledPDF &record)
         // Copies may share a title, but whoever took one has its path.
         const QString folder = m_handedOut->filePath(QString::number(record.id.value_or(0)));
         QDir().mkpath(folder);
-        const QString path = folder + u'/' + QSExport::safeFileName(record.title) + u".pdf"_s;
+        QString path = folder + u'/' + QSExport::safeFileName(record.title) + u".pdf"_s;
         QSFile::write(path, QSFile::read(filledPath(record)));
         return path;
     } catch (const QSError &error) {
