@@ -286,14 +286,16 @@ std::optional<QSDocument> AppModel::document(qint64 id)
     return found;
 }
 
+bool AppModel::agrees(const QString &text, const QString &detail, const QString &action)
+{
+    static constexpr int actionButton = 1;
+    const QScopedValueRollback asking(m_asking, true);
+    return m_desktop.ask({text, detail, {u"Cancel"_s, action}, 0}) == actionButton;
+}
+
 bool AppModel::askToDelete(const QString &name)
 {
-    static constexpr int deleteButton = 1;
-    const QScopedValueRollback asking(m_asking, true);
-    return m_desktop.ask({u"Delete \"%1\""_s.arg(name),
-                          u"This can't be undone."_s,
-                          {u"Cancel"_s, u"Delete"_s},
-                          0}) == deleteButton;
+    return agrees(u"Delete \"%1\""_s.arg(name), u"This can't be undone."_s, u"Delete"_s);
 }
 
 void AppModel::deleteDocument(const QSDocument &document)

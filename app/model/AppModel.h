@@ -256,8 +256,9 @@ private:
     };
 
     Answer askToSave(const QString &name);
+    /// Asks before something can't be taken back; Enter and Escape mean no.
+    [[nodiscard]] bool agrees(const QString &text, const QString &detail, const QString &action);
     [[nodiscard]] bool askToDelete(const QString &name);
-    [[nodiscard]] bool askToEmptyCache();
     /// Runs an action on the store; its error becomes the message. False when it failed.
     template <typename Action>
     bool withStore(Action action);
@@ -297,7 +298,6 @@ private:
     /// Asks where to put a file and writes it whole or not at all.
     void saveFile(const QByteArray &data, const QString &suggestedName);
     std::optional<QString> chooseSavePath(const QString &suggestedName);
-    [[nodiscard]] bool askToRestore();
     /// The rendered document, or the message that there is none.
     std::optional<QSRendered> renderOrTell(const QSDocument &document);
     void draftSoon();

@@ -67,7 +67,11 @@ void AppModel::restore()
 
 void AppModel::restoreFrom(const QString &path)
 {
-    if (!withStore([](QSStore &) {}) || !askToRestore()) {
+    if (!withStore([](QSStore &) {}) ||
+        !agrees(u"Replace your documents, profile and filled PDFs with this backup?"_s,
+                u"What is in the app now is replaced by the backup. Making a backup of the current "
+                "data first keeps a copy."_s,
+                u"Restore"_s)) {
         return;
     }
     const std::stop_source stop;
@@ -93,16 +97,4 @@ void AppModel::restoreFrom(const QString &path)
                 }
             });
         });
-}
-
-bool AppModel::askToRestore()
-{
-    static constexpr int restoreButton = 1;
-    const QScopedValueRollback asking(m_asking, true);
-    return m_desktop.ask(
-               {u"Replace your documents, profile and filled PDFs with this backup?"_s,
-                u"What is in the app now is replaced by the backup. Making a backup of the "
-                "current data first keeps a copy."_s,
-                {u"Cancel"_s, u"Restore"_s},
-                0}) == restoreButton;
 }

@@ -2,23 +2,7 @@
 
 #include "QSDesktop.h"
 
-#include <QScopedValueRollback>
-
 using namespace Qt::Literals::StringLiterals;
-
-bool AppModel::askToEmptyCache()
-{
-    static constexpr int emptyButton = 1;
-    const QScopedValueRollback asking(m_asking, true);
-    return m_desktop.ask(
-               {u"Empty the forms cache?"_s,
-                u"Emptying the cache removes only downloaded official forms; they download again "
-                "when opened. Your documents and filled PDFs are not touched. What you typed into "
-                "an official Word document is removed with it, unless you saved it under another "
-                "name."_s,
-                {u"Cancel"_s, u"Empty"_s},
-                0}) == emptyButton;
-}
 
 void AppModel::emptyCache()
 {
@@ -26,7 +10,12 @@ void AppModel::emptyCache()
         setMessage(u"The forms cache is in use. Try again in a moment."_s);
         return;
     }
-    if (!askToEmptyCache()) {
+    if (!agrees(u"Empty the forms cache?"_s,
+                u"Emptying the cache removes only downloaded official forms; they download again "
+                "when opened. Your documents and filled PDFs are not touched. What you typed into "
+                "an official Word document is removed with it, unless you saved it under another "
+                "name."_s,
+                u"Empty"_s)) {
         return;
     }
     const int removed = QSCache::clear();
