@@ -3,6 +3,7 @@
 #include "QSProfile.h"
 #include "QSTemplates.h"
 #include "QSTestRun.h"
+#include "Sample.h"
 
 #include <array>
 
@@ -23,15 +24,6 @@ constexpr std::array<QStringView, 12> shippedIDs = {u"bill-of-sale-vehicle",
                                                     u"llc-operating-multi"};
 
 const QString blank = u"________________"_s;
-
-const QMap<QString, QString> profile = {{u"fullName"_s, u"Jordan Q. Sample"_s},
-                                        {u"street"_s, u"415 Main Street"_s},
-                                        {u"city"_s, u"Grand Junction"_s},
-                                        {u"state"_s, u"CO"_s},
-                                        {u"zip"_s, u"81501"_s},
-                                        {u"county"_s, u"Mesa"_s},
-                                        {u"phone"_s, u"970-555-0142"_s},
-                                        {u"email"_s, u"jordan@mail.example"_s}};
 
 /// What somebody types into a field, and how it has to print. The "#" and "|" in texts must come
 /// out as typed: they are marks only in the template's own text.
@@ -114,13 +106,13 @@ void checkProfile(QSTestRun &run, const QSTemplate &form)
     QSValues expected;
     for (const QSField &field : form.fields) {
         if (field.profileKey) {
-            expected.insert(field.key, QSProfile::value(*field.profileKey, profile));
+            expected.insert(field.key, QSProfile::value(*field.profileKey, Sample::profile));
         }
     }
-    const QSValues filled = form.profileValues(profile);
+    const QSValues filled = form.profileValues(Sample::profile);
     const QString text = form.render(filled).plainText();
     run.check(!filled.isEmpty() && filled == expected && !filled.values().contains(QString()) &&
-                  text.contains(profile.value(u"fullName"_s)),
+                  text.contains(Sample::profile.value(u"fullName"_s)),
               u"%1: the profile fills its %2 fields and no others"_s.arg(form.title)
                   .arg(expected.size()));
 }
