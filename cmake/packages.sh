@@ -4,12 +4,14 @@ packages_build=(
   build-essential cmake ninja-build ccache pkg-config
   qt6-base-dev qt6-svg-dev libgl-dev
   libsqlite3-dev libcurl4-openssl-dev libpoppler-qt6-dev libqpdf-dev
+  libpango1.0-dev libcairo2-dev
   rapidjson-dev libmodpbase64-dev zlib1g-dev
 )
 packages_run=(
   libqt6svg6 qt6-qpa-plugins qt6-wayland xdg-utils
   libreoffice-writer-nogui
   fonts-liberation2 fonts-inter fonts-dejavu-core fonts-droid-fallback fonts-urw-base35
+  fonts-noto-core fonts-noto-cjk fonts-symbola
 )
 packages_test=(
   poppler-utils qpdf sqlite3 unzip openssl

@@ -1,0 +1,114 @@
+#include "SecondReader.h"
+#include "TextCanvas.h"
+#include "TextLayout.h"
+
+using namespace Qt::Literals::StringLiterals;
+
+class TestTextLayout final : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void readAgain_data();
+    void readAgain();
+    void namesMissingLetters();
+    void measuresInk();
+    void cutsWhereTheRoomEnds();
+    void drawsOnPictures();
+};
+
+void TestTextLayout::readAgain_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::newRow("Polish") << u"Łukasz Żółć"_s;
+    QTest::newRow("Vietnamese") << u"Nguyễn Ánh"_s;
+    QTest::newRow("Russian") << u"Анна Ким"_s;
+    QTest::newRow("Armenian") << u"Արմեն"_s;
+    QTest::newRow("Chinese") << u"王小明"_s;
+    QTest::newRow("Korean") << u"김민수"_s;
+    QTest::newRow("Hindi") << u"नमस्ते शर्मा"_s;
+    QTest::newRow("Punjabi") << u"ਗੁਰਪ੍ਰੀਤ"_s;
+    QTest::newRow("Bengali") << u"রহিম"_s;
+    QTest::newRow("Tamil") << u"தமிழ்"_s;
+    QTest::newRow("Thai") << u"สมชาย"_s;
+    QTest::newRow("Amharic") << u"ሰላም"_s;
+    QTest::newRow("Arabic") << u"محمد علي"_s;
+    QTest::newRow("Hebrew") << u"שרה כהן"_s;
+    QTest::newRow("symbols") << u"½ € § ☒"_s;
+    QTest::newRow("letters that fonts join") << u"ffi office"_s;
+}
+
+void TestTextLayout::readAgain()
+{
+    QFETCH(const QString, text);
+    const TextLayout layout(text, {});
+    QCOMPARE(layout.missing(), QString());
+    PagesCanvas canvas;
+    canvas.beginPage({300, 40});
+    canvas.draw(layout, {10, 10});
+    QString read = SecondReader::read(canvas.finish(), u"pdftotext"_s, {u"@"_s, u"-"_s});
+    read.removeIf(
+        [](QChar letter) { return letter.category() == QChar::Other_Format || letter.isSpace(); });
+    QCOMPARE(read, QString(text).remove(u' '));
+}
+
+void TestTextLayout::namesMissingLetters()
+{
+    QCOMPARE(TextLayout(u"a\U000F0000b\U000F0000"_s, {}).missing(), u"\U000F0000"_s);
+}
+
+void TestTextLayout::measuresInk()
+{
+    const TextLayout flat(u"xxx"_s, {});
+    const TextLayout deep(u"xgx"_s, {});
+    QVERIFY(flat.ink().height() < 0.6 * flat.size().height());
+    QVERIFY(qAbs(flat.ink().bottom() - flat.baseline()) < 0.3); // of points
+    QVERIFY(deep.ink().bottom() > deep.baseline() + 2);
+    const TextLayout wrapped(u"one two three"_s, {}, 40);
+    QVERIFY(wrapped.size().height() > 2 * flat.size().height());
+    QVERIFY(wrapped.ink().right() <= 40);
+    TextLayout small(u"xxx"_s, {});
+    small.setSize(6);
+    QVERIFY(qAbs(2 * small.ink().width() - flat.ink().width()) < 0.1);
+    QVERIFY(TextLayout(u"  "_s, {}).ink().isEmpty());
+}
+
+void TestTextLayout::cutsWhereTheRoomEnds()
+{
+    TextLayout line(u"one two three four"_s, {});
+    const double room = TextLayout(u"one two three"_s, {}).size().width();
+    QCOMPARE(line.firstOutside({0, 0, 1000, 100}), 18);
+    QCOMPARE(line.firstOutside({0, 0, room, 100}), 14);
+    line.cutTo({room, -1});
+    QVERIFY(line.size().width() <= room);
+    TextLayout lines(u"one\ntwo\nthree"_s, {}, 100);
+    QCOMPARE(lines.firstOutside({0, 0, 100, lines.size().height() * 0.7}), 8);
+}
+
+void TestTextLayout::drawsOnPictures()
+{
+    QImage picture(60, 30, QImage::Format_RGB32);
+    picture.fill(Qt::white);
+    const TextLayout text(u"ll"_s, {.size = 10, .colour = Qt::blue});
+    {
+        PictureCanvas canvas(picture, QTransform::fromScale(2, 2), {0, 0, 30, 15});
+        canvas.draw(text, {5, 0});
+        canvas.fill({100, 100, 10, 10}, Qt::black); // beyond
+    }
+    QRect blue;
+    for (int y = 0; y < picture.height(); ++y) {
+        for (int x = 0; x < picture.width(); ++x) {
+            const QRgb dot = picture.pixel(x, y);
+            if (qRed(dot) < 128 && qBlue(dot) > 200) {
+                blue |= QRect(x, y, 1, 1);
+            }
+        }
+    }
+    const QRectF ink = text.ink().translated(5, 0);
+    const QRect expected(ink.topLeft().toPoint() * 2, (ink.size() * 2).toSize());
+    QVERIFY2(expected.adjusted(-2, -2, 2, 2).contains(blue) && blue.height() > 10,
+             qPrintable(u"%1 %2"_s.arg(blue.left()).arg(blue.height())));
+}
+
+QTEST_MAIN(TestTextLayout)
+#include "tst_textlayout.moc"
