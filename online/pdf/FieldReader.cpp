@@ -1,5 +1,6 @@
 #include "FieldReader.h"
 
+#include "FieldLook.h"
 #include "QpdfFile.h"
 
 #include <QRegularExpression>
@@ -9,7 +10,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cmath>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -268,17 +268,27 @@ QString groupOf(const FormField &field, const QPDFObjectHandle &object)
     return QString::number(static_cast<int>(field.kind)) + identity;
 }
 
+/// False for a box so low that the form's letters, somewhat smaller, stand in it only once.
+bool holdsTwoLines(const Widget &widget)
+{
+    constexpr double lineHeight = 1.15; // shares of the letters' size
+    constexpr double smaller = 0.8;
+    constexpr double least = 6.5; // points, where the form leaves the size open
+    const double size = widget.field.fontSize > 0 ? widget.field.fontSize * smaller : least;
+    const double height = widget.turn % 180 == 0 ? widget.box.height() : widget.box.width();
+    return height >= 2 * lineHeight * size;
+}
+
 void readAppearance(Widget &widget, QPDFObjectHandle object)
 {
-    FormField &field = widget.field;
     QPDFFormFieldObjectHelper helper(object);
-    const QByteArray appearance = FieldReader::defaultAppearance(object);
-    const double size = fontToken(appearance, 1).toDouble();
-    field.fontSize = std::isfinite(size) ? std::max(0.0, size) : 0;
-    constexpr std::array<Qt::AlignmentFlag, 3> alignments = {Qt::AlignLeft, Qt::AlignHCenter,
-                                                             Qt::AlignRight};
-    field.alignment = alignments.at(static_cast<size_t>(std::clamp(helper.getQuadding(), 0, 2)));
-    widget.stale = !entryOf(object.getKey("/AP"), "/N").isStream();
+    FieldLook::read(widget, object);
+    if (widget.field.multiLine && !holdsTwoLines(widget)) {
+        widget.field.multiLine = false;
+    }
+    QPDFObjectHandle drawn = entryOf(object.getKey("/AP"), "/N");
+    widget.stale = !drawn.isStream();
+    widget.kept = drawn.isStream() && !drawn.getDict().hasKey(FieldReader::ownDrawing);
     widget.verbatim = !entryOf(helper.getInheritableFieldValue("/AA"), "/F").isDictionary();
 }
 } // namespace
@@ -335,14 +345,9 @@ QByteArray FieldReader::fontName(const QByteArray &appearance)
     return name.size() > 1 && name.startsWith('/') ? name : QByteArray();
 }
 
-QByteArray FieldReader::withFontSize(const QByteArray &appearance, double size)
+double FieldReader::fontSize(const QByteArray &appearance)
 {
-    QList<QByteArray> tokens = appearance.simplified().split(' ');
-    const qsizetype at = tokens.indexOf("Tf");
-    if (at > 0) {
-        tokens[at - 1] = QByteArray::number(size, 'f', 2);
-    }
-    return tokens.join(' ');
+    return fontToken(appearance, 1).toDouble();
 }
 
 QByteArray FieldReader::defaultAppearance(const QPDFObjectHandle &widget)

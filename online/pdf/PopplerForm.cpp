@@ -1,9 +1,10 @@
 #include "PopplerForm.h"
 
+#include "FieldDrawing.h"
 #include "QSError.h"
+#include "TextCanvas.h"
 #include "WorkingCopy.h"
 
-#include <QBuffer>
 #include <QHash>
 #include <QtMath>
 
@@ -61,20 +62,35 @@ QRect drawnPart(const QSizeF &page, double dotsPerInch, const QRect &clip)
     return part.isEmpty() || dots > mostDots ? QRect() : part;
 }
 
-void putValue(Poppler::FormField *handle, const Widget &widget)
+/// From a drawing, upright and in points, to its place on a page.
+QTransform turned(const QRectF &place, int turn)
 {
-    const FormValue &value = widget.value;
-    const QString drawn = PopplerForm::drawnText(widget.field, value.text);
-    if (auto *text = dynamic_cast<Poppler::FormFieldText *>(handle)) {
-        text->setText(drawn);
-    } else if (auto *button = dynamic_cast<Poppler::FormFieldButton *>(handle)) {
-        button->setState(value.on);
-    } else if (auto *choice = dynamic_cast<Poppler::FormFieldChoice *>(handle)) {
-        choice->setCurrentChoices(value.chosen);
-        if (!drawn.isEmpty()) {
-            choice->setEditChoice(drawn);
-        }
+    switch (turn) {
+    case 90:
+        return {0, -1, 1, 0, place.left(), place.bottom()};
+    case 180:
+        return {-1, 0, 0, -1, place.right(), place.bottom()};
+    case 270:
+        return {0, 1, -1, 0, place.right(), place.top()};
+    default:
+        return QTransform::fromTranslate(place.left(), place.top());
     }
+}
+
+/// How far a page is turned when it is shown, in degrees, clockwise.
+int turnOf(const Poppler::Page &page)
+{
+    switch (page.orientation()) {
+    case Poppler::Page::Landscape:
+        return 90;
+    case Poppler::Page::UpsideDown:
+        return 180;
+    case Poppler::Page::Seascape:
+        return 270;
+    case Poppler::Page::Portrait:
+        break;
+    }
+    return 0;
 }
 } // namespace
 
@@ -102,7 +118,10 @@ QString PopplerForm::drawnText(const FormField &field, QString text)
 }
 
 PopplerForm::PopplerForm(const QByteArray &bytes, QList<Widget> &widgets)
-    : m_bytes(bytes), m_document(load(bytes)), m_handles(static_cast<size_t>(widgets.size()))
+    : m_bytes(bytes),
+      m_document(load(bytes)),
+      m_places(static_cast<size_t>(widgets.size())),
+      m_handles(static_cast<size_t>(widgets.size()))
 {
     if (m_document && m_document->isLocked()) {
         throw QSError::invalid(
@@ -140,7 +159,7 @@ void PopplerForm::findWidgets(QList<Widget> &widgets)
         }
         for (std::unique_ptr<Poppler::FormField> &handle : page->formFields()) {
             if (const auto id = ids.constFind(handle->name()); id != ids.constEnd()) {
-                adopt(widgets[*id], number, std::move(handle));
+                adopt(widgets[*id], *page, std::move(handle));
             }
         }
     }
@@ -152,15 +171,28 @@ void PopplerForm::findWidgets(QList<Widget> &widgets)
     }
 }
 
-void PopplerForm::adopt(Widget &widget, int page, std::unique_ptr<Poppler::FormField> handle)
+void PopplerForm::adopt(Widget &widget, const Poppler::Page &page,
+                        std::unique_ptr<Poppler::FormField> handle)
 {
+    constexpr int full = 360;
     const QRectF part = handle->rect().normalized();
-    const QSizeF size = m_sizes.at(page);
-    widget.field.page = page;
+    const QSizeF size = m_sizes.at(page.index());
+    widget.field.page = page.index();
     widget.field.rect = {part.x() * size.width(), part.y() * size.height(),
                          part.width() * size.width(), part.height() * size.height()};
     widget.field.shown = widget.field.shown && !widget.field.rect.isEmpty();
-    m_handles.at(static_cast<size_t>(widget.field.id)) = std::move(handle);
+    const auto id = static_cast<size_t>(widget.field.id);
+    m_places.at(id) = {.page = widget.field.shown ? page.index() : -1,
+                       .rect = widget.field.rect,
+                       .turn = (widget.turn - turnOf(page) + full) % full,
+                       .drawing = {}};
+    m_handles.at(id) = std::move(handle);
+}
+
+QTransform PopplerForm::toPage(int id) const
+{
+    const Place &place = m_places.at(static_cast<size_t>(id));
+    return turned(place.rect, place.turn);
 }
 
 void PopplerForm::put(const QList<Widget> &widgets)
@@ -168,8 +200,11 @@ void PopplerForm::put(const QList<Widget> &widgets)
     const Pressing pressing(m_pressing);
     const QMutexLocker lock(&m_mutex);
     for (const Widget &widget : widgets) {
-        putValue(m_handles.at(static_cast<size_t>(widget.field.id)).get(), widget);
-        m_touched = true;
+        const auto id = static_cast<size_t>(widget.field.id);
+        m_places.at(id).drawing = widget.drawing;
+        if (auto *button = dynamic_cast<Poppler::FormFieldButton *>(m_handles.at(id).get())) {
+            button->setState(widget.hasText() ? widget.kept : widget.value.on);
+        }
     }
 }
 
@@ -189,11 +224,36 @@ QImage PopplerForm::render(int page, double dotsPerInch, const QRect &clip,
     if (!source) {
         return {};
     }
-    const QImage image =
+    QImage image =
         source->renderToImage(dotsPerInch, dotsPerInch, part.x(), part.y(), part.width(),
                               part.height(), Poppler::Page::Rotate0, nullptr, nullptr,
                               &Interruption::ask, QVariant::fromValue<void *>(&interruption));
-    return interruption.wasDue ? QImage() : image;
+    if (interruption.wasDue || image.isNull()) {
+        return {};
+    }
+    drawFields(image, page, dotsPerInch, part.topLeft());
+    return image;
+}
+
+void PopplerForm::drawFields(QImage &image, int page, double dotsPerInch,
+                             const QPoint &corner) const
+{
+    const double scale = dotsPerInch / pointsPerInch;
+    const QRectF seen(QPointF(corner) / scale, QSizeF(image.size()) / scale);
+    if (image.format() != QImage::Format_RGB32) {
+        image.convertTo(QImage::Format_RGB32);
+    }
+    for (const Place &place : m_places) {
+        if (place.page != page || !place.drawing || place.drawing->isEmpty() ||
+            !place.rect.intersects(seen)) {
+            continue;
+        }
+        const QTransform toDots = turned(place.rect, place.turn) *
+                                  QTransform::fromScale(scale, scale) *
+                                  QTransform::fromTranslate(-corner.x(), -corner.y());
+        PictureCanvas canvas(image, toDots, QRectF({}, place.drawing->size()));
+        place.drawing->draw(canvas);
+    }
 }
 
 QString PopplerForm::text(int page, const QRectF &rect) const
@@ -201,22 +261,4 @@ QString PopplerForm::text(int page, const QRectF &rect) const
     const QMutexLocker lock(&m_mutex);
     const auto source = m_document->page(page);
     return source ? source->text(rect) : QString();
-}
-
-QByteArray PopplerForm::bytes() const
-{
-    const Pressing pressing(m_pressing);
-    const QMutexLocker lock(&m_mutex);
-    if (!m_touched) {
-        return m_bytes;
-    }
-    QByteArray saved;
-    QBuffer buffer(&saved);
-    const auto converter = m_document->pdfConverter();
-    converter->setOutputDevice(&buffer);
-    converter->setPDFOptions(Poppler::PDFConverter::WithChanges);
-    if (!converter->convert()) {
-        throw QSError::invalid(u"The filled form could not be written."_s);
-    }
-    return saved;
 }

@@ -10,6 +10,7 @@
 #include <QSizeF>
 #include <QString>
 #include <QStringList>
+#include <QTransform>
 
 #include <atomic>
 #include <functional>
@@ -19,11 +20,12 @@
 namespace Poppler {
 class Document;
 class FormField;
+class Page;
 } // namespace Poppler
 
-/// A working copy in Poppler's hands, which draws its pages and what is typed into them. Any thread
-/// may call any function; one runs at a time, and put() and bytes() do not wait for a drawing to
-/// end but end it.
+/// A working copy in Poppler's hands, which draws its pages with their buttons; the drawings of
+/// texts and choices are laid over them. Any thread may call any function; one runs at a time, and
+/// put() does not wait for a drawing to end but ends it.
 class PopplerForm final
 {
 public:
@@ -45,24 +47,39 @@ public:
     /// True when the widget can be given a value here.
     [[nodiscard]] bool draws(int id) const { return m_handles.at(size_t(id)) != nullptr; }
 
-    /// Draws the widgets' values from now on, whatever they were before.
+    /// From a widget's drawing, upright and in points, to its place on the page as it is shown.
+    [[nodiscard]] QTransform toPage(int id) const;
+
+    /// Shows the widgets' values from now on, whatever they were before.
     void put(const QList<Widget> &widgets);
     [[nodiscard]] QImage render(int page, double dotsPerInch, const QRect &clip,
                                 const std::function<bool()> &cancelled) const;
     [[nodiscard]] QString text(int page, const QRectF &rect) const;
-    /// The working copy with all that was put. Throws QSError::invalid.
-    [[nodiscard]] QByteArray bytes() const;
+    /// The working copy as it was opened.
+    [[nodiscard]] const QByteArray &bytes() const { return m_bytes; }
 
 private:
     void findWidgets(QList<Widget> &widgets);
-    void adopt(Widget &widget, int page, std::unique_ptr<Poppler::FormField> handle);
+    void adopt(Widget &widget, const Poppler::Page &page,
+               std::unique_ptr<Poppler::FormField> handle);
 
+    void drawFields(QImage &image, int page, double dotsPerInch, const QPoint &corner) const;
+
+    /// Where and how a widget's drawing is laid over its page.
+    struct Place
+    {
+        int page = -1;
+        QRectF rect;  ///< as in FormField
+        int turn = 0; ///< of its drawing on the page as it is shown, in degrees, counterclockwise
+        std::shared_ptr<const FieldDrawing> drawing;
+    };
+
+    QByteArray m_bytes;
     QList<QSizeF> m_sizes;
     QStringList m_labels;
     mutable std::atomic<int> m_pressing = 0; // how many wait or run that a drawing makes way for
     mutable QMutex m_mutex;                  // guards what follows
-    QByteArray m_bytes;
-    bool m_touched = false; // Poppler's copy is no longer that of m_bytes
     std::unique_ptr<Poppler::Document> m_document;
+    std::vector<Place> m_places; // by widget's id; but for the drawings they need no guard
     std::vector<std::unique_ptr<Poppler::FormField>> m_handles; // by widget's id
 };

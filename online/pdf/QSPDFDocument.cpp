@@ -1,5 +1,7 @@
 #include "QSPDFDocument.h"
 
+#include "FieldDrawing.h"
+#include "FieldDrawings.h"
 #include "FieldLabels.h"
 #include "Flattening.h"
 #include "PopplerForm.h"
@@ -16,6 +18,7 @@
 #include <qpdf/QPDFExc.hh>
 
 #include <algorithm>
+#include <array>
 #include <functional>
 
 #ifdef __GLIBC__
@@ -38,27 +41,7 @@ bool hasHeader(const QByteArray &bytes)
 /// A file that only Poppler can read has pages to look at and to print, and no fields.
 WorkingCopy viewOnly(const QByteArray &bytes)
 {
-    return {.bytes = bytes, .widgets = {}, .tabs = {}, .structure = {}};
-}
-
-WorkingCopy workingCopy(const QByteArray &bytes)
-{
-    if (!hasHeader(bytes)) {
-        throw QSError::invalid(u"This file is not a PDF, so it can't be opened here."_s);
-    }
-    try {
-        return WorkingCopy::make(bytes);
-    } catch (const QSError &) {
-        throw;
-    } catch (const QPDFExc &error) {
-        if (error.getErrorCode() == qpdf_e_password) {
-            throw QSError::invalid(
-                u"This PDF is protected with a password, so it can't be opened here."_s);
-        }
-        return viewOnly(bytes);
-    } catch (const std::exception &) {
-        return viewOnly(bytes);
-    }
+    return {.bytes = bytes, .widgets = {}, .tabs = {}, .structure = {}, .isForXFA = false};
 }
 
 /// No more characters than the limit, none of them cut in half.
@@ -129,6 +112,41 @@ FormValue following(const Widget &set, const FormValue &wanted, const Widget &wi
     }
     return wanted.on ? FormValue() : widget.value;
 }
+FormFault faultIn(const Widget &widget)
+{
+    return {.id = widget.field.id,
+            .page = widget.field.page,
+            .label = widget.field.label,
+            .rest = {},
+            .missing = {},
+            .typed = widget.changed};
+}
+
+/// What the drawing itself tells. A widget that isn't printed has nothing to lose on paper.
+std::optional<FormFault> faultOf(const Widget &widget)
+{
+    if (!widget.drawing || !widget.printed || widget.field.rect.isEmpty()) {
+        return std::nullopt;
+    }
+    FormFault fault = faultIn(widget);
+    fault.rest = widget.drawing->rest();
+    fault.missing = widget.drawing->missing();
+    return fault.rest.isEmpty() && fault.missing.isEmpty() ? std::nullopt : std::optional(fault);
+}
+
+/// Whatever the libraries object to, as a sentence.
+template <typename Make>
+auto orSentence(const Make &make)
+{
+    try {
+        return make();
+    } catch (const QSError &) {
+        throw;
+    } catch (const std::exception &error) {
+        throw QSError::invalid(u"The filled form could not be written: %1"_s.arg(
+            QString::fromLocal8Bit(error.what())));
+    }
+}
 } // namespace
 
 /// The values are kept here; the form only draws them.
@@ -138,7 +156,11 @@ public:
     explicit Private(WorkingCopy copy);
 
     [[nodiscard]] QList<int> setValue(int id, const FormValue &value);
-    [[nodiscard]] QByteArray file(bool flat) const;
+    [[nodiscard]] std::optional<FormFault> fault(int id) const;
+    [[nodiscard]] QByteArray file() const;
+    [[nodiscard]] FlatCopy flatCopy() const;
+    /// True for the one page that a form for another kind of program has instead of its own.
+    [[nodiscard]] bool isShell() const;
 
     mutable QMutex m_mutex; // guards the widgets; the form and what follows it need no guard
     QList<Widget> m_widgets;
@@ -147,28 +169,29 @@ public:
     QList<int> m_tabOrder;
 
 private:
-    [[nodiscard]] QByteArray finished(bool flat) const;
-    /// Without its fields, and read back.
-    [[nodiscard]] static QByteArray flattened(const QByteArray &saved,
-                                              const QList<Widget> &widgets);
+    [[nodiscard]] QList<Widget> widgets() const;
 
     const bool m_isViewOnly;
+    const bool m_isForXFA;
 };
 
 QSPDFDocument::Private::Private(WorkingCopy copy)
     : m_widgets(std::move(copy.widgets)),
       m_form(copy.bytes, m_widgets),
-      m_isViewOnly(copy.tabs.isEmpty())
+      m_isViewOnly(copy.tabs.isEmpty()),
+      m_isForXFA(copy.isForXFA)
 {
-    QList<Widget> stale;
-    for (const Widget &widget : std::as_const(m_widgets)) {
+    for (Widget &widget : m_widgets) {
         m_fields.append(widget.field);
-        if (widget.stale && m_form.draws(widget.field.id)) {
-            stale.append(widget);
+        if (widget.hasText() && !widget.kept) {
+            widget.drawing = std::make_shared<FieldDrawing>(widget);
         }
     }
-    m_form.put(stale);
+    m_form.put(m_widgets);
     FieldLabels::tellApart(m_fields, copy.bytes);
+    for (Widget &widget : m_widgets) {
+        widget.field.label = m_fields.at(widget.field.id).label;
+    }
     m_tabOrder = TabOrder::of(m_fields, copy.tabs, copy.structure);
 }
 
@@ -198,6 +221,10 @@ QList<int> QSPDFDocument::Private::setValue(int id, const FormValue &value)
         widget.changed = widget.changed || differs || widget.isToggle();
         if (differs) {
             widget.value = next;
+            if (widget.hasText()) {
+                widget.kept = false;
+                widget.drawing = std::make_shared<FieldDrawing>(widget);
+            }
             different.append(widget);
         }
     }
@@ -205,66 +232,92 @@ QList<int> QSPDFDocument::Private::setValue(int id, const FormValue &value)
     return affected;
 }
 
-QByteArray QSPDFDocument::Private::finished(bool flat) const
+bool QSPDFDocument::Private::isShell() const
 {
-    QMutexLocker lock(&m_mutex);
-    QByteArray saved = m_form.bytes();
-    const QList<Widget> widgets = m_widgets;
-    lock.unlock();
-    if (flat && m_isViewOnly) {
+    const bool maybe = m_isForXFA && m_form.pageSizes().size() == 1;
+    const QString text = maybe ? m_form.text(0, {}) : QString();
+    return std::ranges::any_of(
+        std::array{u"Please wait", u"later version of the PDF viewer", u"requires Adobe"},
+        [&text](QStringView words) { return text.contains(words, Qt::CaseInsensitive); });
+}
+
+QList<Widget> QSPDFDocument::Private::widgets() const
+{
+    const QMutexLocker lock(&m_mutex);
+    return m_widgets;
+}
+
+std::optional<FormFault> QSPDFDocument::Private::fault(int id) const
+{
+    const QMutexLocker lock(&m_mutex);
+    return id >= 0 && id < m_widgets.size() ? faultOf(m_widgets.at(id)) : std::nullopt;
+}
+
+QByteArray QSPDFDocument::Private::file() const
+{
+    if (m_isViewOnly) {
+        return m_form.bytes();
+    }
+    return orSentence([this] {
+        const QList<Widget> held = widgets();
+        const FieldDrawings drawings(held);
+        const QpdfFile file(m_form.bytes());
+        WorkingCopy::finish(file.pdf(), held, drawings);
+        return file.write();
+    });
+}
+
+QSPDFDocument::FlatCopy QSPDFDocument::Private::flatCopy() const
+{
+    if (m_isViewOnly) {
         throw QSError::invalid(u"This PDF is damaged, so no flattened copy of it can be made."_s);
     }
-    if (m_isViewOnly) {
-        return saved;
-    }
-    if (flat) {
-        return flattened(saved, widgets);
-    }
-    const QpdfFile file(saved);
-    WorkingCopy::finish(file.pdf(), widgets);
-    return file.write();
-}
-
-QByteArray QSPDFDocument::Private::flattened(const QByteArray &saved, const QList<Widget> &widgets)
-{
-    const auto flatten = [&widgets](const QByteArray &bytes) {
-        const QpdfFile file(bytes);
-        WorkingCopy::finish(file.pdf(), widgets);
+    return orSentence([this] {
+        const QList<Widget> held = widgets();
+        const FieldDrawings drawings(held);
+        const QpdfFile file(m_form.bytes());
+        WorkingCopy::finish(file.pdf(), held, drawings);
         Flattening::apply(file.pdf());
-        return file.write();
-    };
-    QByteArray flat = flatten(saved);
-    QList<Widget> unread = ReadBack::unread(flat, widgets);
-    // Other programs draw a list where it was scrolled to, and texts as they were some time ago.
-    if (std::ranges::any_of(unread, std::not_fn(&Widget::changed))) {
-        QList<Widget> places = widgets;
-        PopplerForm anew(saved, places);
-        anew.put(unread);
-        flat = flatten(anew.bytes());
-        unread = ReadBack::unread(flat, widgets);
-    }
-    if (!unread.isEmpty()) {
-        throw ReadBack::refusal(unread);
-    }
-    return flat;
+        FlatCopy copy{file.write(), {}};
+        QList<int> hidden = ReadBack::unread(drawings, held);
+        hidden += ReadBack::unseen(copy.pdf, held, m_form);
+        for (const Widget &widget : held) {
+            if (const auto fault = faultOf(widget)) {
+                copy.faults.append(*fault);
+            } else if (hidden.contains(widget.field.id)) {
+                copy.faults.append(faultIn(widget));
+            }
+        }
+        return copy;
+    });
 }
 
-QByteArray QSPDFDocument::Private::file(bool flat) const
+std::unique_ptr<QSPDFDocument::Private> QSPDFDocument::opened(const QByteArray &bytes)
 {
-    try {
-        return finished(flat);
-    } catch (const QSError &) {
-        throw;
-    } catch (const std::exception &error) {
-        throw QSError::invalid(u"The filled form could not be written: %1"_s.arg(
-            QString::fromLocal8Bit(error.what())));
+    if (!hasHeader(bytes)) {
+        throw QSError::invalid(u"This file is not a PDF, so it can't be opened here."_s);
     }
+    try {
+        return std::make_unique<Private>(WorkingCopy::make(bytes));
+    } catch (const QPDFExc &error) {
+        if (error.getErrorCode() == qpdf_e_password) {
+            throw QSError::invalid(
+                u"This PDF is protected with a password, so it can't be opened here."_s);
+        }
+    } catch (const std::exception &) {
+        // The pages may be in order where the form is not.
+    }
+    return std::make_unique<Private>(viewOnly(bytes));
 }
 
 std::shared_ptr<QSPDFDocument> QSPDFDocument::open(const QByteArray &bytes)
 {
-    std::shared_ptr<QSPDFDocument> document(
-        new QSPDFDocument(std::make_unique<Private>(workingCopy(bytes))));
+    std::unique_ptr<Private> data = opened(bytes);
+    if (data->isShell()) {
+        throw QSError::invalid(
+            u"This form is made for another kind of program (XFA) and can't be shown here. The agency's page may offer another version."_s);
+    }
+    std::shared_ptr<QSPDFDocument> document(new QSPDFDocument(std::move(data)));
 #ifdef __GLIBC__
     // qpdf's objects took several times the file's size and are gone; the worker that opened it
     // may never need as much again.
@@ -356,10 +409,25 @@ QString QSPDFDocument::text(int page, const QRectF &rect) const
 
 QByteArray QSPDFDocument::bytes() const
 {
-    return d->file(false);
+    return d->file();
+}
+
+std::optional<FormFault> QSPDFDocument::fault(int id) const
+{
+    return d->fault(id);
+}
+
+QSPDFDocument::FlatCopy QSPDFDocument::flatCopy() const
+{
+    return d->flatCopy();
 }
 
 QByteArray QSPDFDocument::flattened() const
 {
-    return d->file(true);
+    const FlatCopy copy = flatCopy();
+    if (!copy.faults.isEmpty()) {
+        throw QSError::invalid(u"The form can't be flattened or printed as it is. "_s +
+                               FormFault::sentence(copy.faults));
+    }
+    return copy.pdf;
 }

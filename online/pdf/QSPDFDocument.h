@@ -1,5 +1,6 @@
 #pragma once
 
+#include "FormFault.h"
 #include "FormField.h"
 
 #include <QByteArray>
@@ -11,6 +12,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 
 /// A PDF that is open: its pages, its form's widgets and what is typed into them.
 ///
@@ -19,15 +21,15 @@
 /// then shown and filled, and what is saved is put right again so that every other program finds
 /// the same appearances. The bytes it was opened from are never changed.
 ///
-/// Any thread may call any function, one at a time inside: what changes a value or makes a file
-/// cuts a drawing that runs on another thread short instead of waiting for it.
+/// Any thread may call any function: what changes a value cuts a drawing that runs on another
+/// thread short instead of waiting for it; files are made beside a drawing.
 class QSPDFDocument final
 {
 public:
     /// Opens bytes from a site or a file. Throws QSError::invalid with a sentence for people when
-    /// they are no PDF, damaged beyond repair, need a password, or hold nothing but a form for
-    /// another kind of program (XFA). A file that is too damaged to be written anew, but not to be
-    /// shown, has no fields here.
+    /// they are no PDF, damaged beyond repair, need a password, or hold nothing but the page that
+    /// asks for another kind of program (XFA). A file that is too damaged to be written anew, but
+    /// not to be shown, has no fields here.
     [[nodiscard]] static std::shared_ptr<QSPDFDocument> open(const QByteArray &bytes);
     /// True when the bytes are a PDF, whatever can be done with it: a file that needs a password is
     /// one too.
@@ -62,7 +64,7 @@ public:
 
     /// Draws a page with what is typed into it, on white, at so many dots per inch. clip: only that
     /// part of the page, in dots; everything when it is null. Null when it was cut short, by
-    /// cancelled() returning true or by a call of setValue(), bytes() or flattened(); for a page
+    /// cancelled() returning true or by a call of setValue(); for a page
     /// that isn't there; and for more than 64 million dots, or a page of more than 32,767 dots
     /// along a side, which would take all memory. cancelled() is called often and from this thread;
     /// it must not call the document.
@@ -75,13 +77,26 @@ public:
     /// Throws QSError::invalid when it can't be made.
     [[nodiscard]] QByteArray bytes() const;
 
-    /// A copy whose fields are part of its pages. Throws QSError::invalid when it can't be made,
-    /// and when what was typed can't be read on it: the sentence names the fields. A value that the
-    /// file came with is drawn anew where its drawing doesn't show it.
+    /// What of a widget's answer would not be on paper, as far as its drawing tells: it is cut, or
+    /// has letters that no font has. Values that are drawn as the file has them are the agency's.
+    [[nodiscard]] std::optional<FormFault> fault(int id) const;
+
+    /// A copy whose fields are part of its pages.
+    struct FlatCopy
+    {
+        QByteArray pdf;
+        QList<FormFault> faults; ///< by page and widget: answers that it doesn't show whole
+    };
+    /// The copy, read back: whatever can't be read in its field or seen on its page is among the
+    /// faults. An answer that is cut ends in an ellipsis. Throws QSError::invalid when none can be
+    /// made.
+    [[nodiscard]] FlatCopy flatCopy() const;
+    /// The copy where it shows every answer whole; else throws QSError::invalid, which names them.
     [[nodiscard]] QByteArray flattened() const;
 
 private:
     class Private;
+    [[nodiscard]] static std::unique_ptr<Private> opened(const QByteArray &bytes);
     explicit QSPDFDocument(std::unique_ptr<Private> d);
 
     std::unique_ptr<Private> d;

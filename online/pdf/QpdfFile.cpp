@@ -3,6 +3,7 @@
 #include <qpdf/Pipeline.hh>
 #include <qpdf/QPDF.hh>
 #include <qpdf/QPDFLogger.hh>
+#include <qpdf/QPDFObjectHandle.hh>
 #include <qpdf/QPDFWriter.hh>
 
 namespace {
@@ -46,13 +47,19 @@ QpdfFile::QpdfFile(QByteArray bytes) : m_bytes(std::move(bytes)), m_pdf(silentQp
 
 QByteArray QpdfFile::write() const
 {
+    // qpdf 11.3 writes the size of a file that it had to repair only where it finds one to replace.
+    QPDFObjectHandle trailer = m_pdf->getTrailer();
+    if (!trailer.hasKey("/Size")) {
+        trailer.replaceKey("/Size", QPDFObjectHandle::newInteger(0));
+    }
     QByteArray bytes;
     bytes.reserve(m_bytes.size() + m_bytes.size() / 4);
     ByteArrayPipeline pipeline(bytes);
     QPDFWriter writer(*m_pdf);
     writer.setOutputPipeline(&pipeline);
     writer.setPreserveEncryption(false);
-    writer.setStreamDataMode(qpdf_s_preserve);
+    writer.setDecodeLevel(qpdf_dl_none); // what is compressed stays as it is
+    writer.setCompressStreams(true);
     writer.setObjectStreamMode(qpdf_o_preserve);
     writer.write();
     return bytes;

@@ -1,17 +1,21 @@
 #pragma once
 
-#include "QSError.h"
+#include "FieldDrawings.h"
 #include "Widget.h"
 
 #include <QByteArray>
 #include <QList>
 
-/// Reads a flattened copy again, so that none is handed out that says less than was typed.
+class PopplerForm;
+
+/// Reads again what was drawn, so that no copy is handed out that says less than was typed without
+/// telling of it.
 namespace ReadBack {
-/// The widgets of which a value can't be read, whole and in order, in its place on the page. Values
-/// from the file are left alone where they are the agency's own (a field for reading only) or
-/// written in another way than they are stored (by a script).
-[[nodiscard]] QList<Widget> unread(const QByteArray &flattened, const QList<Widget> &widgets);
-/// The sentence that names the fields of these widgets, of which there is at least one.
-[[nodiscard]] QSError refusal(const QList<Widget> &unread);
+/// The widgets of which the text can't be read again, whole and in order, on their own drawings,
+/// away from what is printed around and under them.
+[[nodiscard]] QList<int> unread(const FieldDrawings &drawings, const QList<Widget> &widgets);
+/// The widgets whose drawings are not to be seen in their places on the pages of a flattened copy:
+/// covered, elsewhere or left out. form: that they are shown in.
+[[nodiscard]] QList<int> unseen(const QByteArray &flattened, const QList<Widget> &widgets,
+                                const PopplerForm &form);
 } // namespace ReadBack

@@ -1,6 +1,8 @@
 #include "WorkingCopy.h"
 
 #include "ButtonAppearance.h"
+#include "FieldDrawing.h"
+#include "FieldDrawings.h"
 #include "FieldReader.h"
 #include "QSError.h"
 #include "QSMutation.h"
@@ -24,9 +26,9 @@ using Kind = FormField::Kind;
 
 /// Where the working copy keeps what it took away from a dictionary.
 constexpr const char *keptKey = "/QuillstoneKept";
+constexpr const char *drawingKey = "/AP";
 /// What a widget of the working copy has of its own, or must not have.
-constexpr std::array<const char *, 8> ownKeys = {"/T", "/Kids", "/Ff", "/V",
-                                                 "/I", "/AS",   "/DA", "/TI"};
+constexpr std::array<const char *, 7> ownKeys = {"/T", "/Kids", "/FT", "/Ff", "/V", "/I", "/AS"};
 
 QPDFObjectHandle ensureDictionary(QPDFObjectHandle parent, const std::string &key)
 {
@@ -53,6 +55,19 @@ QPDFObjectHandle stateOf(const Widget &widget)
     return QPDFObjectHandle::newName(widget.value.on ? '/' + widget.onState.toStdString() : "/Off");
 }
 
+/// True for a value of the file that is shown as the rest of the form's answers are: a person can
+/// change it, and the whole of it can be drawn. The file's own drawing may be older than the value,
+/// or show another part of a list.
+bool isDrawnHere(const Widget &widget, const QPDFObjectHandle &object)
+{
+    if (!widget.field.isSettable() || !widget.verbatim || !widget.drawable ||
+        FieldReader::fieldOf(object).hasKey("/RV")) {
+        return false;
+    }
+    const FieldDrawing drawing(widget);
+    return drawing.hasText() && drawing.rest().isEmpty() && drawing.missing().isEmpty();
+}
+
 /// Turns a file into its working copy.
 class Maker final
 {
@@ -68,7 +83,10 @@ public:
         for (QPDFPageObjectHelper &page : QPDFPageDocumentHelper(m_pdf).getAllPages()) {
             addPage(page.getObjectHandle());
         }
-        refuseXFAOnly();
+        m_copy.isForXFA =
+            m_hadXFA && std::ranges::none_of(m_copy.widgets, [](const Widget &widget) {
+                return widget.field.isSettable();
+            });
         if (m_copy.tabs.contains("/S")) {
             readStructure();
         }
@@ -83,9 +101,8 @@ private:
     void addWidget(const QPDFObjectHandle &object);
     void provideFont(QPDFObjectHandle object);
     void list(const QPDFObjectHandle &object);
-    static void showWholeList(QPDFObjectHandle object, const FormField &field);
-    static void separate(QPDFObjectHandle object, const Widget &widget, int id);
-    void refuseXFAOnly() const;
+    void separate(QPDFObjectHandle object, const Widget &widget, int id);
+    void switchDrawings(QPDFObjectHandle object, const Widget &widget);
     void readStructure();
 
     QPDF &m_pdf;
@@ -93,6 +110,7 @@ private:
     QPDFObjectHandle m_form;
     QPDFObjectHandle m_fonts;
     QPDFObjectHandle m_fields;
+    QPDFObjectHandle m_nothing; ///< a drawing of no ink
     std::set<QPDFObjGen> m_seen;
     std::set<QPDFObjGen> m_listed; // what the agency's list of fields has
     bool m_hadXFA = false;
@@ -177,9 +195,9 @@ void Maker::addWidget(const QPDFObjectHandle &object)
     if (widget->isToggle()) {
         ButtonAppearance::complete(m_pdf, object, '/' + widget->onState.toStdString(),
                                    field.kind == Kind::radio);
-    } else if (field.kind == Kind::text || field.kind == Kind::comboBox ||
-               field.kind == Kind::listBox) {
+    } else if (widget->hasText()) {
         widget->stale = widget->drawable && (widget->stale || m_needAppearances);
+        widget->kept = widget->kept && !widget->stale && !isDrawnHere(*widget, object);
         provideFont(object);
     }
     list(object);
@@ -220,27 +238,7 @@ void Maker::list(const QPDFObjectHandle &object)
     m_listed.insert(top.getObjGen());
 }
 
-/// A list on paper can't be scrolled: its letters are as small as it takes to show each choice, if
-/// that can be read.
-void Maker::showWholeList(QPDFObjectHandle object, const FormField &field)
-{
-    constexpr double usual = 12; // of a size that is left open
-    constexpr double smallest = 5;
-    constexpr double lineHeight = 1.2; // of Poppler's lists, and a little
-    const auto rect = object.getKey("/Rect").getArrayAsRectangle();
-    const double lines = std::max(1.0, static_cast<double>(field.choices.size()));
-    const double fitting = std::abs(rect.ury - rect.lly) / (lines * lineHeight);
-    const double wanted = field.fontSize > 0 ? field.fontSize : usual;
-    const double size = std::min(wanted, fitting);
-    if (size >= smallest) {
-        object.replaceKey("/TI", QPDFObjectHandle::newInteger(0));
-    }
-    const QByteArray appearance = FieldReader::withFontSize(FieldReader::defaultAppearance(object),
-                                                            size >= smallest ? size : wanted);
-    object.replaceKey("/DA", QPDFObjectHandle::newString(appearance.toStdString()));
-}
-
-/// Makes a widget a field of its own. What it inherits (type, limit, choices) it inherits still.
+/// Makes a widget a button of its own.
 void Maker::separate(QPDFObjectHandle object, const Widget &widget, int id)
 {
     QPDFObjectHandle kept = QPDFObjectHandle::newDictionary();
@@ -253,25 +251,35 @@ void Maker::separate(QPDFObjectHandle object, const Widget &widget, int id)
     object.replaceKey(keptKey, kept);
     object.replaceKey("/T", QPDFObjectHandle::newString(WorkingCopy::nameOf(id).toStdString()));
     object.removeKey("/Kids");
-    if (widget.field.kind == Kind::listBox) {
-        showWholeList(object, widget.field);
+    if (widget.hasText()) {
+        kept.replaceKey(drawingKey, object.getKey(drawingKey));
+        switchDrawings(object, widget);
+    }
+    if (widget.hasText() || widget.isToggle()) {
+        object.replaceKey("/FT", QPDFObjectHandle::newName("/Btn"));
+        object.replaceKey("/Ff", QPDFObjectHandle::newInteger(readOnly));
     }
     if (widget.isToggle()) {
-        object.replaceKey("/Ff", QPDFObjectHandle::newInteger(readOnly));
         object.replaceKey("/V", stateOf(widget));
         object.replaceKey("/AS", stateOf(widget));
     }
 }
 
-/// A form for another kind of program has a page that says "Please wait..." and no field.
-void Maker::refuseXFAOnly() const
+/// On is what the file has, off is nothing.
+void Maker::switchDrawings(QPDFObjectHandle object, const Widget &widget)
 {
-    const bool hasField = std::ranges::any_of(
-        m_copy.widgets, [](const Widget &widget) { return widget.field.isSettable(); });
-    if (m_hadXFA && !hasField) {
-        throw QSError::invalid(
-            u"This form is made for another kind of program (XFA) and can't be shown here. The agency's page may offer another version."_s);
+    if (!m_nothing.isInitialized()) {
+        m_nothing = FieldDrawings::nothing(m_pdf);
     }
+    QPDFObjectHandle states = QPDFObjectHandle::newDictionary();
+    states.replaceKey("/On", widget.kept ? entryOf(object.getKey(drawingKey), "/N") : m_nothing);
+    states.replaceKey("/Off", m_nothing);
+    QPDFObjectHandle drawing = QPDFObjectHandle::newDictionary();
+    drawing.replaceKey("/N", states);
+    object.replaceKey(drawingKey, drawing);
+    const QPDFObjectHandle state = QPDFObjectHandle::newName(widget.kept ? "/On" : "/Off");
+    object.replaceKey("/V", state);
+    object.replaceKey("/AS", state);
 }
 
 void Maker::readStructure()
@@ -307,6 +315,33 @@ void writeChoice(QPDFObjectHandle field, const Widget &widget)
     field.replaceKey("/V", values.getArrayNItems() == 1 ? values.getArrayItem(0) : values);
     // None says that a text is one of its own, and not what one of the choices stores.
     field.replaceKey("/I", positions);
+}
+
+void giveBack(QPDFObjectHandle object, const Widget &widget)
+{
+    const QPDFObjectHandle kept = object.getKey(keptKey);
+    for (const char *key : ownKeys) {
+        object.replaceKey(key, entryOf(kept, key));
+    }
+    if (widget.hasText()) {
+        object.replaceKey(drawingKey, entryOf(kept, drawingKey));
+    }
+    object.removeKey(keptKey);
+}
+
+void writeDrawing(QPDF &pdf, QPDFObjectHandle object, const Widget &widget,
+                  const FieldDrawings &drawings)
+{
+    if (!widget.hasText() || widget.kept) {
+        return;
+    }
+    QPDFObjectHandle drawing = drawings.appearance(pdf, widget);
+    if (drawing.isNull() && !object.hasKey(drawingKey)) {
+        return;
+    }
+    QPDFObjectHandle states = QPDFObjectHandle::newDictionary();
+    states.replaceKey("/N", drawing.isNull() ? FieldDrawings::nothing(pdf) : drawing);
+    object.replaceKey(drawingKey, states);
 }
 
 /// What the widget shows, which is its own and not its field's.
@@ -352,22 +387,18 @@ QString WorkingCopy::nameOf(int id)
     return u"widget"_s + QString::number(id);
 }
 
-void WorkingCopy::finish(QPDF &pdf, const QList<Widget> &widgets)
+void WorkingCopy::finish(QPDF &pdf, const QList<Widget> &widgets, const FieldDrawings &drawings)
 {
     QPDFObjectHandle form = pdf.getRoot().getKey("/AcroForm");
     const std::vector<QPDFObjectHandle> objects = form.getKey("/Fields").getArrayAsVector();
     if (objects.size() != static_cast<size_t>(widgets.size())) {
         throw QSError::invalid(u"The form's fields could not be written."_s);
     }
-    for (QPDFObjectHandle object : objects) {
-        const QPDFObjectHandle kept = object.getKey(keptKey);
-        for (const char *key : ownKeys) {
-            object.replaceKey(key, entryOf(kept, key));
-        }
-        object.removeKey(keptKey);
-    }
     for (qsizetype i = 0; i < widgets.size(); ++i) {
-        writeState(objects.at(static_cast<size_t>(i)), widgets.at(i));
+        QPDFObjectHandle object = objects.at(static_cast<size_t>(i));
+        giveBack(object, widgets.at(i));
+        writeDrawing(pdf, object, widgets.at(i), drawings);
+        writeState(object, widgets.at(i));
     }
     // Of buttons that share a field, the one that is on has the last word.
     for (const bool on : {false, true}) {

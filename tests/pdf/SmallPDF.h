@@ -46,6 +46,18 @@ inline QByteArray withDrawings(QByteArray pdf)
                                       drawing(10, "0 0 0 0", square) + "trailer");
 }
 
+/// Adds number 9, the content of a page that names it: a text in 12-point letters, at so many
+/// points from the lower left corner.
+inline QByteArray withText(QByteArray pdf, const QByteArray &text, const QByteArray &at = "12 105")
+{
+    const QByteArray content = "BT /F 12 Tf " + at + " Td (" + text + ") Tj ET";
+    pdf.replace("/Contents 9 0 R",
+                "/Contents 9 0 R/Resources<</Font<</F<</Type/Font/Subtype/Type1/BaseFont"
+                "/Helvetica>>>>>>");
+    return pdf.replace("trailer", "9 0 obj <</Length " + QByteArray::number(content.size()) +
+                                      ">> stream\n" + content + "\nendstream endobj\ntrailer");
+}
+
 constexpr const char *helv = "/DA(/Helv 12 Tf 0 g)/F 4";
 inline const QByteArray textField = QByteArray("/FT/Tx/T(a)/Rect[10 100 110 120]") + helv;
 

@@ -18,6 +18,11 @@ private Q_SLOTS:
     void untouched();
     void readsBack_data();
     void readsBack();
+    void keepsTheAgencysFlags();
+    void leavesThePageAlone();
+    void noticesWhatIsCovered_data();
+    void noticesWhatIsCovered();
+    void namesWhatIsCut();
     void printsWhatPrints_data();
     void printsWhatPrints();
 };
@@ -82,46 +87,133 @@ void TestFlattening::readsBack_data()
 {
     QTest::addColumn<QByteArray>("widget");
     QTest::addColumn<QString>("value");
-    QTest::addColumn<bool>("readable");
-    QTest::newRow("accents, symbols, brackets") << textField << u"Né (\\) € ½"_s << true;
-    QTest::newRow("Vietnamese") << textField << u"Nguyễn Ánh"_s << true;
-    QTest::newRow("Russian") << textField << u"Москва"_s << true;
-    QTest::newRow("Chinese") << textField << u"北京市 東京"_s << true;
-    QTest::newRow("a ligature's letters") << textField << u"ﬁne file"_s << true;
-    QTest::newRow("a script from right to left, which would print backwards")
-        << textField << u"שלום"_s << false;
-    QTest::newRow("a character that no font has") << textField << u"a\U000F0000"_s << false;
-    QTest::newRow("just as wide as its box") << textField << u"WWWWWWWW"_s << true;
-    QTest::newRow("too wide") << textField << u"WWWWWWWWW"_s << false;
-    QTest::newRow("too wide, to the right") << textField + "/Q 2" << u"WWWWWWWWW"_s << false;
-    QTest::newRow("too many lines") << textField + "/Ff 4096" << u"1\n2\n3"_s << false;
-    QTest::newRow("too low a box")
-        << QByteArray("/FT/Tx/T(a)/Rect[10 100 110 105]") + helv << u"g"_s << false;
-    QTest::newRow("shrunk") << QByteArray("/FT/Tx/T(a)/DA(/Helv 0 Tf)/Rect[10 100 110 120]")
-                            << QString(15, u'W') << true;
-    QTest::newRow("shrunk beyond reading")
-        << QByteArray("/FT/Tx/T(a)/DA(/Helv 0 Tf)/Rect[10 100 110 120]") << QString(60, u'W')
-        << false;
-    QTest::newRow("password") << textField + "/Ff 8192" << u"secret"_s << true;
-    QTest::newRow("password too long for its box")
-        << textField + "/Ff 8192" << QString(40, u'x') << false;
+    QTest::addColumn<QString>("fault");
+    const QString none;
+    const QByteArray open = "/FT/Tx/T(a)/DA(/Helv 0 Tf)/Rect[10 100 110 120]";
+    const auto box = [](const char *rect) { return QByteArray("/FT/Tx/T(a)/Rect") + rect + helv; };
+    const QByteArray lines = box("[10 100 110 140]") + "/Ff 4096";
+    QTest::newRow("accents, symbols, brackets") << textField << u"Né (\\) € ½"_s << none;
+    QTest::newRow("a ligature's letters") << textField << u"ﬁne file"_s << none;
+    QTest::newRow("Polish") << textField << u"Łukasz Żółć"_s << none;
+    QTest::newRow("Vietnamese") << textField << u"Nguyễn Ánh"_s << none;
+    QTest::newRow("Russian") << textField << u"Москва"_s << none;
+    QTest::newRow("Chinese") << textField << u"北京市 東京"_s << none;
+    QTest::newRow("Korean") << textField << u"김민수"_s << none;
+    QTest::newRow("Hindi") << textField << u"नमस्ते शर्मा"_s << none;
+    QTest::newRow("Arabic") << textField << u"محمد علي"_s << none;
+    QTest::newRow("Hebrew") << textField << u"שלום"_s << none;
+    QTest::newRow("a font of an encoding that lacks accents")
+        << QByteArray("/FT/Tx/T(a)/DA(/Bare 12 Tf 0 g)/Rect[10 100 110 120]") << u"Núñez"_s << none;
+    QTest::newRow("a character that no font has")
+        << textField << u"a\U000F0000"_s << u"no font here has \U000F0000"_s;
+    QTest::newRow("letters as high as the box") << box("[10 100 110 112]") << u"Ágjy"_s << none;
+    QTest::newRow("letters in a lower box") << box("[10 100 110 108]") << u"Ágjy"_s << none;
+    QTest::newRow("too low a box") << box("[10 100 110 103]") << u"g"_s << u"1 word too long"_s;
+    QTest::newRow("as wide as the box") << textField << QString(8, u'W') << none;
+    QTest::newRow("wider, to the right") << textField + "/Q 2" << QString(12, u'W') << none;
+    QTest::newRow("too wide") << textField << u"WWWWWWWWW WWWWWWWWW WWWWWWWWW"_s
+                              << u"2 words too long"_s;
+    QTest::newRow("several lines") << lines << u"1\n2\n3"_s << none;
+    QTest::newRow("too many lines") << lines << u"1\n2\n3\n4\n5\n6 7\n8"_s << u"1 word too long"_s;
+    QTest::newRow("several lines' field that holds one")
+        << box("[10 100 110 113]") + "/Ff 4096" << u"one line"_s << none;
+    QTest::newRow("shrunk") << open << QString(15, u'W') << none;
+    QTest::newRow("as tall as its box") << open << u"gjpqy"_s << none;
+    QTest::newRow("shrunk beyond reading") << open << QString(60, u'W') << u"1 word too long"_s;
+    QTest::newRow("a comb") << textField + "/Ff 16777216/MaxLen 5" << u"WgjÁ1"_s << none;
+    QTest::newRow("a turned field")
+        << box("[10 10 30 110]") + "/MK<</R 90>>" << u"turned gj"_s << none;
+    QTest::newRow("password") << textField + "/Ff 8192" << u"secret"_s << none;
 }
 
 void TestFlattening::readsBack()
 {
     QFETCH(const QByteArray, widget);
     QFETCH(const QString, value);
-    QFETCH(const bool, readable);
-    const QString rest =
-        u" \"A\" does not fit on the page or can't be read there, so the form can't be flattened or printed."_s;
-    const Document document = withValue(widget, value);
-    QCOMPARE(sentence([&] { (void)document->flattened(); }),
-             readable ? QString() : u"What was typed into"_s + rest);
+    QFETCH(const QString, fault);
+    const QByteArray bare = "/DR<</Font<</Bare<</Type/Font/Subtype/Type1/BaseFont/Helvetica"
+                            "/Encoding<</Type/Encoding/Differences[65/A]>>>>>>>>";
+    const Document document = QSPDFDocument::open(smallPDF({widget}, {}, bare));
+    document->setValue(0, {.text = value, .on = false, .chosen = {}});
     // It is in the saved file all the same, and is missed again when that is opened.
     const Document again = QSPDFDocument::open(document->bytes());
     QCOMPARE(again->value(0).text, value);
-    QCOMPARE(sentence([&] { (void)again->flattened(); }),
-             readable ? QString() : u"What stands in"_s + rest);
+    for (const Document &each : {document, again}) {
+        const QSPDFDocument::FlatCopy copy = each->flatCopy();
+        QCOMPARE(copy.faults.isEmpty() ? QString() : copy.faults.constFirst().inShort(), fault);
+        QCOMPARE(each->fault(0).has_value(), !fault.isEmpty());
+        QCOMPARE(sentence([&] { (void)each->flattened(); }).isEmpty(), fault.isEmpty());
+        if (fault.isEmpty()) {
+            verifyPrinted(*each, copy.pdf);
+        }
+        QVERIFY(alike(QSPDFDocument::open(copy.pdf)->render(0, 144), each->render(0, 144)));
+    }
+}
+
+void TestFlattening::keepsTheAgencysFlags()
+{
+    const QByteArray field = "/FT/Tx/T(a)/Ff 4096/Rect[10 100 110 113]";
+    const Document document = withValue(field + helv, u"one\nline"_s);
+    QVERIFY(!document->fields().at(0).multiLine);
+    QCOMPARE(document->value(0).text, u"one line"_s);
+    QVERIFY(
+        askOf(u"qpdf"_s, {u"--qdf"_s, u"FILE"_s, u"-"_s}, document->bytes()).contains("/Ff 4096"));
+}
+
+/// What is printed around and under a field is no part of its answer.
+void TestFlattening::leavesThePageAlone()
+{
+    const QByteArray pdf = withText(smallPDF({textField, "/FT/Tx/T(b)/V(N. N.)/Rect[10 60 110 80]" +
+                                                             QByteArray(helv) + "/AP<</N 8 0 R>>"},
+                                             "/Contents 9 0 R"),
+                                    "........,.,.,____ Name:");
+    const Document untouched = QSPDFDocument::open(pdf);
+    QVERIFY(untouched->flatCopy().faults.isEmpty());
+    untouched->setValue(0, {.text = u"Anna Kim"_s, .on = false, .chosen = {}});
+    QVERIFY(untouched->flatCopy().faults.isEmpty());
+}
+
+void TestFlattening::noticesWhatIsCovered_data()
+{
+    QTest::addColumn<QByteArray>("rect");
+    QTest::addColumn<bool>("covers");
+    QTest::newRow("the whole answer") << QByteArray("[5 95 150 125]") << true;
+    QTest::newRow("its end") << QByteArray("[60 95 150 125]") << true;
+    QTest::newRow("a place beside it") << QByteArray("[120 95 150 125]") << false;
+}
+
+void TestFlattening::noticesWhatIsCovered()
+{
+    QFETCH(const QByteArray, rect);
+    QFETCH(const bool, covers);
+    const Document document =
+        QSPDFDocument::open(smallPDF({textField, "/FT/Tx/T(b)/MK<</BG[1]>>/Rect" + rect + helv}));
+    document->setValue(0, {.text = u"Anna Maria Kim"_s, .on = false, .chosen = {}});
+    QCOMPARE(sentence([&] { (void)document->flattened(); }),
+             covers ? u"The form can't be flattened or printed as it is. \"A\" on page 1: what "
+                      "stands there is covered and can't be seen on paper."_s
+                    : QString());
+}
+
+/// The person can have the rest, knowing what is missing.
+void TestFlattening::namesWhatIsCut()
+{
+    const QByteArray label = "/TU(" + QByteArray("Part 9. Additional Information ").repeated(4);
+    const Document document = QSPDFDocument::open(
+        smallPDF({textField + label + "date)",
+                  "/FT/Tx/T(b)/Rect[10 60 40 70]" + QByteArray(helv) + label + "place)"}));
+    document->setValue(0, {.text = u"soon"_s, .on = false, .chosen = {}});
+    document->setValue(1, {.text = u"Santa Barbara, California"_s, .on = false, .chosen = {}});
+    const QSPDFDocument::FlatCopy copy = document->flatCopy();
+    QCOMPARE(copy.faults.size(), 1);
+    QCOMPARE(copy.faults.constFirst().id, 1);
+    QCOMPARE(copy.faults.constFirst().sentence(),
+             u"\"Part 9. Additional Information … . Additional Information place\" on page 1: "
+             u"\"Barbara, "
+             "California\" does not fit."_s);
+    const Words words(copy.pdf);
+    QCOMPARE(words.in(0, document->fields().at(0).rect), u"soon"_s);
+    QVERIFY(words.in(0, document->fields().at(1).rect).endsWith(u'…'));
 }
 
 void TestFlattening::printsWhatPrints_data()

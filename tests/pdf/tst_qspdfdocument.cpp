@@ -75,9 +75,9 @@ void verifyAllWaysOut(const QByteArray &pdf, int settable)
     const Document flatDocument = QSPDFDocument::open(flat);
     QVERIFY(flatDocument->fields().isEmpty());
     for (int page = 0; page < document->pageCount(); ++page) {
-        const QImage shown = again->render(page, 50);
+        const QImage shown = again->render(page, 100);
         QVERIFY(!shown.isNull());
-        QCOMPARE(flatDocument->render(page, 50), shown);
+        QVERIFY2(alike(flatDocument->render(page, 100), shown), qPrintable(QString::number(page)));
     }
 }
 
@@ -113,7 +113,6 @@ private Q_SLOTS:
     void acceptsValues_data();
     void acceptsValues();
     void drawsWithinLimits();
-    void cutsDrawingShort_data();
     void cutsDrawingShort();
 };
 
@@ -211,8 +210,10 @@ void TestQSPDFDocument::refused_data()
                  whole)
         << u"This PDF is protected with a password, so it can't be opened here."_s;
     QTest::newRow("XFA alone")
-        << smallPDF({}, {}, "/XFA(x)")
+        << withText(smallPDF({}, "/Contents 9 0 R", "/XFA(x)"), "Please wait...")
         << u"This form is made for another kind of program (XFA) and can't be shown here. The agency's page may offer another version."_s;
+    QTest::newRow("XFA beside pages of its own")
+        << withText(smallPDF({}, "/Contents 9 0 R", "/XFA(x)"), "Fee schedule") << QString();
     QTest::newRow("XFA beside fields") << smallPDF({textField}, {}, "/XFA(x)") << QString();
     QTest::newRow("a password that only guards changes")
         << askOf(u"qpdf"_s,
@@ -365,6 +366,7 @@ void TestQSPDFDocument::acceptsValues_data()
     QTest::addColumn<QList<int>>("heldChosen");
     const QList<int> none;
     const QByteArray editable = "/FT/Ch/Ff 393216/T(c)/Opt[(one)(two)]/Rect[10 100 110 120]";
+    const QByteArray lines = QByteArray("/FT/Tx/Ff 4096/T(a)/Rect[10 100 110 160]") + helv;
     const QByteArray listBox = "/FT/Ch/T(c)/Opt[(one)(two)]/Rect[10 100 110 140]";
     QTest::newRow("a text of the longest length")
         << textField + "/MaxLen 3" << u"abc"_s << none << u"abc"_s << none;
@@ -374,12 +376,11 @@ void TestQSPDFDocument::acceptsValues_data()
         << textField + "/MaxLen 2" << u"a𝒜𝒜"_s << none << u"a𝒜"_s << none;
     QTest::newRow("a single line")
         << textField << u"a\r\nb\rc\nd"_s << none << u"a b c d"_s << none;
-    QTest::newRow("several lines")
-        << textField + "/Ff 4096" << u"a\r\nb\rc"_s << none << u"a\nb\nc"_s << none;
+    QTest::newRow("several lines") << lines << u"a\r\nb\rc"_s << none << u"a\nb\nc"_s << none;
     QTest::newRow("tabs and separators in a single line")
         << textField << u"a\tb\u2028c"_s << none << u"a b c"_s << none;
     QTest::newRow("tabs and separators in several lines")
-        << textField + "/Ff 4096" << u"a\v\fb\u2029c"_s << none << u"a  b\nc"_s << none;
+        << lines << u"a\v\fb\u2029c"_s << none << u"a  b\nc"_s << none;
     QTest::newRow("a text of one's own")
         << editable << u"(my\\own) 東"_s << none << u"(my\\own) 東"_s << none;
     QTest::newRow("a choice before a text")
@@ -431,16 +432,8 @@ void TestQSPDFDocument::drawsWithinLimits()
     QVERIFY(!document->render(0, 5000, QRect(0, 0, 100, 100)).isNull()); // a part of it is small
 }
 
-void TestQSPDFDocument::cutsDrawingShort_data()
-{
-    QTest::addColumn<bool>("saves");
-    QTest::newRow("a change") << false;
-    QTest::newRow("a file to save") << true;
-}
-
 void TestQSPDFDocument::cutsDrawingShort()
 {
-    QFETCH(const bool, saves);
     QByteArray pdf = smallPDF({textField}, "/Contents 5 0 R");
     const QByteArray lines = QByteArray("0 0 m 200 200 l S ").repeated(200000);
     pdf.replace("trailer", "5 0 obj <</Length " + QByteArray::number(lines.size()) + ">> stream\n" +
@@ -456,12 +449,8 @@ void TestQSPDFDocument::cutsDrawingShort()
     }));
     thread->start();
     QTRY_VERIFY(begun);
-    if (saves) {
-        QVERIFY(!document->bytes().isEmpty());
-    } else {
-        document->setValue(0, {.text = u"now"_s, .on = false, .chosen = {}});
-        QCOMPARE(document->value(0).text, u"now"_s);
-    }
+    document->setValue(0, {.text = u"now"_s, .on = false, .chosen = {}});
+    QCOMPARE(document->value(0).text, u"now"_s);
     QVERIFY(thread->wait());
     QVERIFY(image.isNull());
     QVERIFY(!document->render(0, 20).isNull());

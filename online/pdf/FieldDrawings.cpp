@@ -1,0 +1,86 @@
+#include "FieldDrawings.h"
+
+#include "FieldDrawing.h"
+#include "FieldReader.h"
+#include "QpdfFile.h"
+#include "TextCanvas.h"
+
+#include <qpdf/Constants.h>
+#include <qpdf/Pl_String.hh>
+#include <qpdf/QPDF.hh>
+#include <qpdf/QPDFObjectHandle.hh>
+#include <qpdf/QPDFPageObjectHelper.hh>
+
+#include <array>
+
+namespace {
+QPDFObjectHandle formXObject(QPDF &pdf, const std::string &content, const QSizeF &size)
+{
+    QPDFObjectHandle drawing = QPDFObjectHandle::newStream(&pdf, content);
+    QPDFObjectHandle dictionary = drawing.getDict();
+    dictionary.replaceKey("/Type", QPDFObjectHandle::newName("/XObject"));
+    dictionary.replaceKey("/Subtype", QPDFObjectHandle::newName("/Form"));
+    dictionary.replaceKey("/BBox",
+                          QPDFObjectHandle::newFromRectangle({0, 0, size.width(), size.height()}));
+    dictionary.replaceKey(FieldReader::ownDrawing, QPDFObjectHandle::newBool(true));
+    return drawing;
+}
+
+/// Between the marks that tell other programs which part of a drawing is the field's text.
+std::string marked(QPDFObjectHandle page)
+{
+    std::string content;
+    Pl_String collector("content", nullptr, content);
+    page.getKey("/Contents").pipeStreamData(&collector, 0, qpdf_dl_generalized);
+    return "/Tx BMC\nq\n" + content + "\nQ\nEMC\n";
+}
+} // namespace
+
+FieldDrawings::FieldDrawings(const QList<Widget> &widgets)
+{
+    PagesCanvas canvas;
+    for (const Widget &widget : widgets) {
+        if (widget.drawing && !widget.drawing->isEmpty()) {
+            m_pages.insert(widget.field.id, static_cast<int>(m_pages.size()));
+            canvas.beginPage(widget.drawing->size());
+            widget.drawing->draw(canvas);
+        }
+    }
+    if (m_pages.isEmpty()) {
+        return;
+    }
+    m_pdf = canvas.finish();
+    m_file = std::make_unique<QpdfFile>(m_pdf);
+    m_objects = m_file->pdf().getAllPages();
+}
+
+FieldDrawings::~FieldDrawings() = default;
+
+QPDFObjectHandle FieldDrawings::appearance(QPDF &form, const Widget &widget) const
+{
+    const int page = pageOf(widget.field.id);
+    if (page < 0) {
+        return QPDFObjectHandle::newNull();
+    }
+    QPDFObjectHandle source = m_objects.at(static_cast<size_t>(page));
+    QPDFObjectHandle drawing = formXObject(form, marked(source), widget.drawing->size());
+    QPDFObjectHandle resources = QPDFPageObjectHelper(source).getAttribute("/Resources", false);
+    if (!resources.isIndirect()) {
+        resources = m_file->pdf().makeIndirectObject(resources);
+    }
+    drawing.getDict().replaceKey("/Resources", form.copyForeignObject(resources));
+    if (widget.turn != 0) {
+        static constexpr std::array<const char *, 3> matrices = {
+            "[0 1 -1 0 0 0]", "[-1 0 0 -1 0 0]", "[0 -1 1 0 0 0]"};
+        constexpr int quarter = 90;
+        drawing.getDict().replaceKey(
+            "/Matrix",
+            QPDFObjectHandle::parse(matrices.at(static_cast<size_t>(widget.turn / quarter - 1))));
+    }
+    return drawing;
+}
+
+QPDFObjectHandle FieldDrawings::nothing(QPDF &form)
+{
+    return formXObject(form, {}, {1, 1});
+}
