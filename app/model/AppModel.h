@@ -232,6 +232,8 @@ Q_SIGNALS:
     void openPDFChanged();
     /// The form that is open already was asked for again: its window comes to the front.
     void openPDFWanted();
+    /// The person wants to see a field of the open form.
+    void fieldWanted(int id);
     /// These fields of the open form may look different.
     void formValuesChanged(const QList<int> &ids);
     /// The open form was saved, or its status changed.
@@ -293,6 +295,13 @@ private:
     void loadFilledPDF(const QSFilledPDF &record,
                        const std::function<void(const std::shared_ptr<QSPDFDocument> &)> &loaded);
     void printPDF(const std::shared_ptr<QSPDFDocument> &document, const QString &title);
+    /// Makes a form's flattened copy in the background and uses it; where answers are not whole on
+    /// it, only if the user wants that all the same. anyway: the button that says so.
+    void withFlatCopy(const std::shared_ptr<QSPDFDocument> &document, const QString &work,
+                      const QString &anyway, const std::function<void(const QByteArray &)> &use);
+    /// True when the copy is wanted as it is.
+    [[nodiscard]] bool acceptsFaults(const std::shared_ptr<QSPDFDocument> &document,
+                                     const QList<FormFault> &faults, const QString &anyway);
     void copiesChanged();
     [[nodiscard]] std::optional<QMap<QString, QString>> savedProfile();
     /// Asks where to put a file and writes it whole or not at all.

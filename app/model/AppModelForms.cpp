@@ -360,12 +360,63 @@ void AppModel::exportForm(FormExport how)
 void AppModel::exportPDF(const std::shared_ptr<QSPDFDocument> &document, const QString &title,
                          FormExport how)
 {
-    exportFile(
-        QSExport::safeFileName(title) + u".pdf"_s,
-        [document, how](const std::stop_token &) {
-            return how == FormExport::flattened ? QSPDF::flatten(*document) : document->bytes();
-        },
-        &QSError::description);
+    const QString name = QSExport::safeFileName(title) + u".pdf"_s;
+    if (how == FormExport::flattened) {
+        withFlatCopy(document, u"Making \"%1\"\u2026"_s.arg(name), u"Export Anyway"_s,
+                     [this, name](const QByteArray &flat) { saveFile(flat, name); });
+    } else {
+        exportFile(
+            name, [document](const std::stop_token &) { return document->bytes(); },
+            &QSError::description);
+    }
+}
+
+void AppModel::withFlatCopy(const std::shared_ptr<QSPDFDocument> &document, const QString &work,
+                            const QString &anyway,
+                            const std::function<void(const QByteArray &)> &use)
+{
+    using Copy = QSPDFDocument::FlatCopy;
+    if (m_exporting) {
+        setMessage(u"Another file is still being made. Try again when it is done."_s);
+        return;
+    }
+    m_exporting = true;
+    runBusy<Copy>(
+        work, std::stop_source(std::nostopstate),
+        [document](const AsyncTask::Progress &) { return document->flatCopy(); },
+        [=, this](const AsyncTask::Outcome<Copy> &made) {
+            m_exporting = false;
+            if (made.error) {
+                setMessage(made.error->description());
+                return;
+            }
+            whenNothingIsAsked([=, this, copy = *made.result] {
+                if (acceptsFaults(document, copy.faults, anyway)) {
+                    use(copy.pdf);
+                }
+            });
+        });
+}
+
+bool AppModel::acceptsFaults(const std::shared_ptr<QSPDFDocument> &document,
+                             const QList<FormFault> &faults, const QString &anyway)
+{
+    if (faults.isEmpty()) {
+        return true;
+    }
+    const bool isOpen = m_openPDF && m_openPDF->form().document == document;
+    const QStringList buttons =
+        isOpen ? QStringList{u"Show Me"_s, anyway, u"Cancel"_s} : QStringList{u"Cancel"_s, anyway};
+    const auto answer = [&] {
+        const QScopedValueRollback asking(m_asking, true);
+        const auto cancel = static_cast<int>(buttons.indexOf(u"Cancel"_s));
+        return m_desktop.ask(
+            {FormFault::summary(faults), FormFault::sentence(faults), buttons, cancel});
+    }();
+    if (isOpen && answer == 0) {
+        Q_EMIT fieldWanted(faults.constFirst().id);
+    }
+    return answer == 1;
 }
 
 void AppModel::printForm()
@@ -378,12 +429,26 @@ void AppModel::printForm()
 
 void AppModel::printPDF(const std::shared_ptr<QSPDFDocument> &document, const QString &title)
 {
-    const QScopedValueRollback asking(m_asking, true);
-    try {
-        m_desktop.printPDF(*document, title);
-    } catch (const QSError &error) {
-        setMessage(error.description());
+    const auto print = [this, title](const QSPDFDocument &pages) {
+        const QScopedValueRollback asking(m_asking, true);
+        try {
+            m_desktop.printPDF(pages, title);
+        } catch (const QSError &error) {
+            setMessage(error.description());
+        }
+    };
+    if (document->fields().isEmpty()) {
+        print(*document);
+        return;
     }
+    withFlatCopy(document, u"Preparing \"%1\" for the printer\u2026"_s.arg(title),
+                 u"Print Anyway"_s, [this, print](const QByteArray &flat) {
+                     try {
+                         print(*QSPDFDocument::open(flat));
+                     } catch (const QSError &error) {
+                         setMessage(error.description());
+                     }
+                 });
 }
 
 bool AppModel::closeForm()

@@ -2,6 +2,8 @@
 
 #include <QStringList>
 
+#include <algorithm>
+
 using namespace Qt::Literals::StringLiterals;
 
 namespace {
@@ -51,6 +53,19 @@ QString FormFault::sentence() const
                                              shortened(rest.simplified(), longestRest));
 }
 
+QString FormFault::summary(const QList<FormFault> &faults)
+{
+    const int page = faults.isEmpty() ? 0 : faults.constFirst().page + 1;
+    const bool cut =
+        std::ranges::none_of(faults, [](const FormFault &fault) { return fault.rest.isEmpty(); });
+    if (faults.size() == 1) {
+        return u"1 answer %1 on page %2."_s.arg(cut ? u"is cut"_s : u"can't be read"_s).arg(page);
+    }
+    return u"%1 answers %2, the first of them on page %3."_s.arg(faults.size())
+        .arg(cut ? u"are cut"_s : u"can't be read whole"_s)
+        .arg(page);
+}
+
 QString FormFault::sentence(const QList<FormFault> &faults)
 {
     if (faults.isEmpty()) {
@@ -60,6 +75,6 @@ QString FormFault::sentence(const QList<FormFault> &faults)
     const QString sentence = first.first(1).toUpper() + first.sliced(1);
     const qsizetype others = faults.size() - 1;
     return others == 0   ? sentence
-           : others == 1 ? sentence + u" 1 other answer is cut too."_s
-                         : sentence + u" %1 other answers are cut too."_s.arg(others);
+           : others == 1 ? sentence + u" So it is with 1 other answer."_s
+                         : sentence + u" So it is with %1 other answers."_s.arg(others);
 }

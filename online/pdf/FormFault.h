@@ -17,6 +17,8 @@ struct FormFault
     [[nodiscard]] QString inShort() const;
     /// A sentence that names the page, the field and what is not on it.
     [[nodiscard]] QString sentence() const;
+    /// "1 answer is cut on page 3."
+    [[nodiscard]] static QString summary(const QList<FormFault> &faults);
     /// One sentence for all: the first of them, and how many more there are. None for no fault.
     [[nodiscard]] static QString sentence(const QList<FormFault> &faults);
 

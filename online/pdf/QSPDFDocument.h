@@ -70,7 +70,8 @@ public:
     /// it must not call the document.
     [[nodiscard]] QImage render(int page, double dotsPerInch, const QRect &clip = {},
                                 const std::function<bool()> &cancelled = {}) const;
-    /// The page's text inside a rectangle in points; all of it when that is null.
+    /// What is printed on the page inside a rectangle in points, without what is typed into it; all
+    /// of it when the rectangle is null.
     [[nodiscard]] QString text(int page, const QRectF &rect = {}) const;
 
     /// The document as a file, values and fields in it, to be opened again here or anywhere else.

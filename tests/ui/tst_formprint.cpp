@@ -114,7 +114,7 @@ private Q_SLOTS:
         m_document->setValue(0, {.text = QString(200, u'W'), .on = {}, .chosen = {}});
         QVERIFY(sentence([&] {
                     FormPrint::draw(*m_document, *printer);
-                }).startsWith(u"What was typed into"));
+                }).startsWith(u"The form can't be flattened or printed as it is. "));
         m_document->setValue(0, {});
         printer = fileFor(u"7"_s);
         QCOMPARE(sentence([&] { FormPrint::draw(*m_document, *printer); }),

@@ -67,6 +67,18 @@ FieldControl::FieldControl(const FormField &field, QWidget *widget)
     addPart(widget);
 }
 
+void FieldControl::setFault(const std::optional<FormFault> &fault)
+{
+    if (fault == m_fault) {
+        return;
+    }
+    m_fault = fault;
+    const QString words = fault ? fault->inShort() : QString();
+    m_widget->setAccessibleDescription(words);
+    m_widget->setToolTip(words.isEmpty() ? nameFor(m_field) : nameFor(m_field) + u'\n' + words);
+    showParts();
+}
+
 void FieldControl::addPart(QWidget *part)
 {
     m_parts.append(part);

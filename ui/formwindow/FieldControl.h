@@ -1,9 +1,12 @@
 #pragma once
 
+#include "FormFault.h"
 #include "FormField.h"
 
 #include <QObject>
 #include <QWidget>
+
+#include <optional>
 
 /// The control of one field of a form, laid over the page's drawing. While it is not being edited
 /// it shows nothing: what is seen there is the page as it will print. make() builds the one for the
@@ -21,6 +24,9 @@ public:
     /// Shows a value without reporting it as edited. What is shown stays where it is the same, so
     /// that the text cursor does too.
     virtual void setValue(const FormValue &value) { Q_UNUSED(value) }
+    /// What of its answer would not be on paper; the page marks it once the control is left.
+    void setFault(const std::optional<FormFault> &fault);
+    [[nodiscard]] const std::optional<FormFault> &fault() const { return m_fault; }
     /// Stands the control on its field, at so many pixels for a point.
     void place(double scale);
     /// Its value is not in the page's drawing yet, so that the control goes on to show it.
@@ -59,6 +65,7 @@ private:
     void showParts();
 
     FormField m_field;
+    std::optional<FormFault> m_fault;
     QWidget *m_widget;
     QList<QWidget *> m_parts; ///< whose painting is held back
     QString m_composed;       ///< by an input method, and not part of the value yet

@@ -18,18 +18,20 @@
 using namespace Qt::Literals::StringLiterals;
 
 namespace {
-constexpr double usualSize = 12;   ///< points, for texts of several lines and lists
-constexpr double lineShare = 0.72; ///< of a field's height, for what stands on one line
+constexpr double usualSize = 12;   ///< points, where the form leaves the size open
+constexpr double lineShare = 0.75; ///< of a field's height, for what stands on one line
+constexpr double leastSize = 6;    ///< to which a long text shrinks
 
 /// The letters' size in points: the field's own, or what fits its height.
 double lineSize(const FormField &field)
 {
-    return field.fontSize > 0 ? field.fontSize : qMax(4.0, field.rect.height() * lineShare);
+    return field.fontSize > 0 ? field.fontSize
+                              : qBound(4.0, field.rect.height() * lineShare, usualSize);
 }
 
 double blockSize(const FormField &field)
 {
-    return field.fontSize > 0 ? field.fontSize : qMin(usualSize, lineSize(field));
+    return field.fontSize > 0 ? field.fontSize : usualSize;
 }
 
 /// A button whose whole field can be clicked and that paints nothing.
@@ -89,8 +91,9 @@ void LineControl::fit(double scale)
     setFontSize(lineSize(field()), scale);
     const double needed = m_line->fontMetrics().horizontalAdvance(m_line->text());
     const double room = m_line->width() * 0.95;
-    if (field().fontSize <= 0 && needed > room) {
-        setFontSize(qMax(4.0, lineSize(field()) * room / needed), scale);
+    if (needed > room) {
+        const double size = lineSize(field());
+        setFontSize(qMax(qMin(size, leastSize), size * room / needed), scale);
     }
 }
 

@@ -93,7 +93,7 @@ void drawPage(QPainter &painter, const QSPDFDocument &document, int page, const 
 
 void writeFile(const QSPDFDocument &document, const QPrinter &printer)
 {
-    QByteArray pdf = QSPDF::flatten(document);
+    QByteArray pdf = document.fields().isEmpty() ? document.bytes() : QSPDF::flatten(document);
     const QList<QPageRanges::Range> ranges = printer.pageRanges().toRangeList();
     if (ranges.size() > 1) {
         throw QSError::invalid(u"A PDF file takes one run of pages, for example 2-4."_s);

@@ -308,7 +308,13 @@ void FormView::createControls(PageSheet &sheet)
     sheet.createControls(fields);
     for (FieldControl *control : sheet.controls()) {
         control->setValue(m_document->value(control->field().id));
+        control->setFault(m_document->fault(control->field().id));
         connect(control, &FieldControl::openChanged, this, &FormView::fieldChanged);
+        connect(control, &FieldControl::openChanged, this, [this, control] {
+            if (!control->isOpen() && control->fault()) {
+                Q_EMIT faultLeft(*control->fault());
+            }
+        });
         connect(control, &FieldControl::edited, this, [this, control](const FormValue &value) {
             Q_EMIT edited(control->field().id, value);
         });
@@ -333,6 +339,7 @@ void FormView::refresh(const QList<int> &fields)
         PageSheet *sheet = m_sheets.at(m_document->fields().at(field).page);
         if (FieldControl *changed = sheet->control(field)) {
             changed->setValue(m_document->value(field));
+            changed->setFault(m_document->fault(field));
             changed->setPending(true);
             sheet->outdate(*changed);
             typing =

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "FormFault.h"
 #include "FormField.h"
 #include "PageRenderer.h"
 
@@ -58,6 +59,8 @@ Q_SIGNALS:
     void edited(int field, const FormValue &value);
     /// The keyboard came to a field, or left one.
     void fieldChanged();
+    /// The keyboard left a field whose answer would not be whole on paper.
+    void faultLeft(const FormFault &fault);
     void currentPageChanged(int page);
     void zoomChanged();
     /// A page looks different from before.

@@ -160,6 +160,10 @@ void FormWindow::connectModel()
 {
     connect(&m_model, &AppModel::openPDFChanged, this, &FormWindow::openForm);
     connect(&m_model, &AppModel::openPDFWanted, this, &FormWindow::bringForward);
+    connect(&m_model, &AppModel::fieldWanted, this, [this](int field) {
+        bringForward();
+        m_view->focusField(field, Qt::OtherFocusReason);
+    });
     connect(&m_model, &AppModel::editsWanted, m_view, &FormView::commitInput);
     connect(&m_model, &AppModel::formValuesChanged, this, [this](const QList<int> &fields) {
         m_view->refresh(fields);
@@ -180,6 +184,8 @@ void FormWindow::connectView()
 {
     connect(m_view, &FormView::edited, m_edits, &FormEdits::edit);
     connect(m_view, &FormView::fieldChanged, m_edits, &FormEdits::endStep);
+    connect(m_view, &FormView::faultLeft, &m_model,
+            [this](const FormFault &fault) { m_model.setMessage(fault.sentence()); });
     connect(m_edits, &FormEdits::turnedTo, m_view,
             [this](int field) { m_view->focusField(field, Qt::OtherFocusReason); });
     connect(m_view, &FormView::currentPageChanged, m_pages, &PageList::setCurrentPage);

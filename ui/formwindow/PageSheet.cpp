@@ -149,6 +149,22 @@ void PageSheet::paintEvent(QPaintEvent *event)
     paintFields(painter);
 }
 
+/// A frame, and at its end a flag with an exclamation mark.
+void PageSheet::paintFault(QPainter &painter, const QRect &field) const
+{
+    static const QColor red(0xc0, 0x1c, 0x1c);
+    const int line = qMax(2, fontMetrics().height() / 8);
+    painter.setPen(QPen(red, line));
+    painter.drawRect(field.adjusted(0, 0, -1, -1));
+    const int side = fontMetrics().height();
+    QRect flag(0, 0, side, side);
+    flag.moveCenter({field.right() + side / 2, field.center().y()});
+    flag.moveRight(qMin(flag.right(), width() - 1));
+    painter.fillRect(flag, red);
+    painter.setPen(Qt::white);
+    painter.drawText(flag, Qt::AlignCenter, QStringLiteral("!"));
+}
+
 void PageSheet::paintFields(QPainter &painter) const
 {
     QColor tint = palette().color(QPalette::Highlight);
@@ -160,6 +176,9 @@ void PageSheet::paintFields(QPainter &painter) const
             continue;
         }
         painter.fillRect(at, control->coversPage() ? QColor(Qt::white) : tint);
+        if (control->fault() && !control->isOpen()) {
+            paintFault(painter, at);
+        }
         if (control->isOpen()) { // seen on white as on a dark part of the form
             painter.setPen(QPen(Qt::black, 1));
             painter.drawRect(at.adjusted(-line - 1, -line - 1, line, line));

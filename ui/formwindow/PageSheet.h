@@ -45,6 +45,7 @@ private:
     /// A rectangle of the sheet in dots.
     [[nodiscard]] QRect dots(const QRectF &pixels) const;
     void paintFields(QPainter &painter) const;
+    void paintFault(QPainter &painter, const QRect &field) const;
 
     int m_page;
     QSizeF m_points;
