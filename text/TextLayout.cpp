@@ -2,6 +2,8 @@
 
 #include "TextEngine.h"
 
+#include <QTextBoundaryFinder>
+
 #include <pango/pangocairo.h>
 
 #include <algorithm>
@@ -52,11 +54,11 @@ void TextLayout::Unref::operator()(PangoLayout *layout) const
 
 TextLayout::TextLayout(const QString &text, const TextStyle &style, double width,
                        Qt::Alignment alignment)
-    : m_style(style), m_utf8(text.toUtf8())
+    : m_style(style)
 {
     const auto lock = TextEngine::lock();
     m_layout.reset(pango_layout_new(TextEngine::context()));
-    pango_layout_set_text(m_layout.get(), m_utf8.constData(), static_cast<int>(m_utf8.size()));
+    setText(text);
     pango_layout_set_wrap(m_layout.get(), PANGO_WRAP_WORD_CHAR);
     pango_layout_set_width(m_layout.get(), width < 0 ? -1 : inUnits(width));
     pango_layout_set_alignment(m_layout.get(),
@@ -87,12 +89,30 @@ void TextLayout::setSize(double points)
     applySize();
 }
 
+void TextLayout::setText(const QString &text)
+{
+    m_text = text;
+    m_utf8 = text.toUtf8();
+    pango_layout_set_text(m_layout.get(), m_utf8.constData(), static_cast<int>(m_utf8.size()));
+}
+
+// Not with Pango's own ellipsis: that stands for what it hides, and who reads the page again would
+// find there what nobody sees.
 void TextLayout::cutTo(const QSizeF &room)
 {
     const auto lock = TextEngine::lock();
-    pango_layout_set_width(m_layout.get(), inUnits(room.width()));
-    pango_layout_set_height(m_layout.get(), room.height() < 0 ? -1 : inUnits(room.height()));
-    pango_layout_set_ellipsize(m_layout.get(), PANGO_ELLIPSIZE_END);
+    const QString whole = m_text;
+    QList<qsizetype> ends = {0};
+    QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, whole);
+    while (finder.toNextBoundary() > 0) {
+        ends.append(finder.position());
+    }
+    const auto fits = [&](qsizetype end) {
+        setText(whole.first(end).trimmed() + u'\u2026');
+        return size().width() <= room.width() && ink().bottom() <= room.height();
+    };
+    const auto last = std::partition_point(ends.cbegin() + 1, ends.cend(), fits);
+    (void)fits(*(last - 1));
 }
 
 QSizeF TextLayout::size() const

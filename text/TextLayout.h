@@ -42,8 +42,7 @@ public:
     TextLayout &operator=(TextLayout &&) noexcept = default;
 
     void setSize(double points);
-    /// Cuts the text where the room ends and says so with an ellipsis. A height below zero is one
-    /// line's.
+    /// Cuts the text where its letters leave the room, and says so with an ellipsis.
     void cutTo(const QSizeF &room);
 
     [[nodiscard]] const TextStyle &style() const { return m_style; }
@@ -70,10 +69,12 @@ private:
         void operator()(PangoLayout *layout) const;
     };
 
+    void setText(const QString &text);
     void applySize();
     [[nodiscard]] qsizetype position(int byte) const;
 
     TextStyle m_style;
+    QString m_text;
     QByteArray m_utf8;
     std::unique_ptr<PangoLayout, Unref> m_layout;
 };
