@@ -14,7 +14,7 @@ packages_run=(
   fonts-noto-core fonts-noto-cjk fonts-symbola
 )
 packages_test=(
-  poppler-utils qpdf sqlite3 unzip openssl
+  poppler-utils qpdf mupdf-tools pdftk-java sqlite3 unzip openssl
 )
 packages_bench=(
   poppler-utils qpdf pdftk-java curl openssl
