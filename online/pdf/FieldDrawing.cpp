@@ -17,7 +17,7 @@ constexpr double usual = 12;        // of a size that the form leaves open
 constexpr double leastReadable = 6; // to which a long text shrinks
 constexpr double leastInLowBox = 4; // to which any text shrinks where the box is that low
 constexpr double leastInList = 5;
-constexpr double edge = 0.25; // between ink and the field's edge
+constexpr double edge = 0.5;  // between ink and the field's edge
 constexpr double padding = 2; // between the border and the text, where there is room
 constexpr double widest = 1e6;
 

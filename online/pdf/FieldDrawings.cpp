@@ -12,16 +12,24 @@
 #include <qpdf/QPDFPageObjectHelper.hh>
 
 #include <array>
+#include <cmath>
 
 namespace {
-QPDFObjectHandle formXObject(QPDF &pdf, const std::string &content, const QSizeF &size)
+/// Cairo cuts letters off at the last whole point of a page, and the drawing at its own edge.
+QSizeF pageFor(const QSizeF &drawing)
+{
+    return {std::ceil(drawing.width()) + 1, std::ceil(drawing.height()) + 1};
+}
+
+/// box: from the lower left corner, as files count.
+QPDFObjectHandle formXObject(QPDF &pdf, const std::string &content, const QRectF &box)
 {
     QPDFObjectHandle drawing = QPDFObjectHandle::newStream(&pdf, content);
     QPDFObjectHandle dictionary = drawing.getDict();
     dictionary.replaceKey("/Type", QPDFObjectHandle::newName("/XObject"));
     dictionary.replaceKey("/Subtype", QPDFObjectHandle::newName("/Form"));
-    dictionary.replaceKey("/BBox",
-                          QPDFObjectHandle::newFromRectangle({0, 0, size.width(), size.height()}));
+    dictionary.replaceKey("/BBox", QPDFObjectHandle::newFromRectangle(
+                                       {box.left(), box.top(), box.right(), box.bottom()}));
     dictionary.replaceKey(FieldReader::ownDrawing, QPDFObjectHandle::newBool(true));
     return drawing;
 }
@@ -42,7 +50,7 @@ FieldDrawings::FieldDrawings(const QList<Widget> &widgets)
     for (const Widget &widget : widgets) {
         if (widget.drawing && !widget.drawing->isEmpty()) {
             m_pages.insert(widget.field.id, static_cast<int>(m_pages.size()));
-            canvas.beginPage(widget.drawing->size());
+            canvas.beginPage(pageFor(widget.drawing->size()));
             widget.drawing->draw(canvas);
         }
     }
@@ -63,7 +71,9 @@ QPDFObjectHandle FieldDrawings::appearance(QPDF &form, const Widget &widget) con
         return QPDFObjectHandle::newNull();
     }
     QPDFObjectHandle source = m_objects.at(static_cast<size_t>(page));
-    QPDFObjectHandle drawing = formXObject(form, marked(source), widget.drawing->size());
+    const QSizeF size = widget.drawing->size();
+    const QRectF box({0, pageFor(size).height() - size.height()}, size);
+    QPDFObjectHandle drawing = formXObject(form, marked(source), box);
     QPDFObjectHandle resources = QPDFPageObjectHelper(source).getAttribute("/Resources", false);
     if (!resources.isIndirect()) {
         resources = m_file->pdf().makeIndirectObject(resources);
@@ -82,5 +92,5 @@ QPDFObjectHandle FieldDrawings::appearance(QPDF &form, const Widget &widget) con
 
 QPDFObjectHandle FieldDrawings::nothing(QPDF &form)
 {
-    return formXObject(form, {}, {1, 1});
+    return formXObject(form, {}, {0, 0, 1, 1});
 }

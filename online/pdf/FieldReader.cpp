@@ -4,6 +4,7 @@
 #include "QpdfFile.h"
 
 #include <QRegularExpression>
+#include <QSet>
 
 #include <qpdf/QPDFFormFieldObjectHelper.hh>
 #include <qpdf/QPDFObjectHandle.hh>
@@ -236,14 +237,13 @@ std::string onStateOf(QPDFObjectHandle object)
 }
 
 /// The value that a state stands for: where the field lists its values, a state is a position.
-QString buttonValue(const QByteArray &state, QPDFObjectHandle options)
+QString buttonValue(const QByteArray &state, const QPDFObjectHandle &options)
 {
     bool isNumber = false;
     const int position = state.toInt(&isNumber);
-    if (isNumber && options.isArray() && position >= 0 && position < options.getArrayNItems()) {
-        return textOf(options.getArrayItem(position));
-    }
-    return QString::fromUtf8(state);
+    const QStringList values = FieldReader::buttonValues(options);
+    return isNumber && position >= 0 && position < values.size() ? values.at(position)
+                                                                 : QString::fromUtf8(state);
 }
 
 void readButton(Widget &widget, QPDFObjectHandle object, QPDFFormFieldObjectHelper &helper)
@@ -304,6 +304,17 @@ QPDFObjectHandle FieldReader::fieldOf(const QPDFObjectHandle &widget)
         field = parent;
     }
     return field;
+}
+
+QStringList FieldReader::buttonValues(QPDFObjectHandle options)
+{
+    QStringList values;
+    const int count = options.isArray() ? options.getArrayNItems() : 0;
+    for (int i = 0; i < count; ++i) {
+        values.append(textOf(options.getArrayItem(i)));
+    }
+    const bool tellApart = QSet<QString>(values.cbegin(), values.cend()).size() == values.size();
+    return tellApart ? values : QStringList();
 }
 
 std::optional<Widget> FieldReader::read(const QPDFObjectHandle &object)

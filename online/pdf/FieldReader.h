@@ -2,6 +2,8 @@
 
 #include "Widget.h"
 
+#include <QStringList>
+
 #include <optional>
 
 class QPDFObjectHandle;
@@ -15,6 +17,9 @@ inline constexpr const char *ownDrawing = "/QuillstoneDrawing";
 [[nodiscard]] QPDFObjectHandle fieldOf(const QPDFObjectHandle &widget);
 /// Everything but the widget's id, page and place. Null when it is no field of a known kind.
 [[nodiscard]] std::optional<Widget> read(const QPDFObjectHandle &widget);
+/// The values that a field of buttons lists, by state; none where they don't tell its buttons
+/// apart.
+[[nodiscard]] QStringList buttonValues(QPDFObjectHandle options);
 /// The name of the font in a default appearance ("/Helv 9 Tf 0 g"), with its slash; empty when it
 /// names none.
 [[nodiscard]] QByteArray fontName(const QByteArray &appearance);

@@ -83,6 +83,7 @@ public:
         for (QPDFPageObjectHelper &page : QPDFPageDocumentHelper(m_pdf).getAllPages()) {
             addPage(page.getObjectHandle());
         }
+        dropDoubles();
         m_copy.isForXFA =
             m_hadXFA && std::ranges::none_of(m_copy.widgets, [](const Widget &widget) {
                 return widget.field.isSettable();
@@ -104,6 +105,8 @@ private:
     void separate(QPDFObjectHandle object, const Widget &widget, int id);
     void switchDrawings(QPDFObjectHandle object, const Widget &widget);
     void readStructure();
+    void dropDoubles();
+    void dropDoubles(QPDFObjectHandle fields, const std::string &names, int depth);
 
     QPDF &m_pdf;
     WorkingCopy &m_copy;
@@ -112,6 +115,8 @@ private:
     QPDFObjectHandle m_fields;
     QPDFObjectHandle m_nothing; ///< a drawing of no ink
     std::set<QPDFObjGen> m_seen;
+    std::set<std::string> m_names; // of the fields on pages
+    std::set<QPDFObjGen> m_walked; // of the fields above others, which may go round in circles
     std::set<QPDFObjGen> m_listed; // what the agency's list of fields has
     bool m_hadXFA = false;
     bool m_needAppearances = false;
@@ -203,6 +208,7 @@ void Maker::addWidget(const QPDFObjectHandle &object)
     list(object);
     separate(object, *widget, field.id);
     m_fields.appendItem(object);
+    m_names.insert(field.name.toStdString());
     m_copy.widgets.append(*widget);
 }
 
@@ -236,6 +242,33 @@ void Maker::list(const QPDFObjectHandle &object)
     }
     m_form.getKey("/Fields").appendItem(top);
     m_listed.insert(top.getObjGen());
+}
+
+/// Takes away listed fields that are on no page and have the name of one that is: a program that
+/// goes by names would read their values, which nobody sees.
+void Maker::dropDoubles()
+{
+    dropDoubles(m_form.getKey("/Fields"), {}, 0);
+}
+
+void Maker::dropDoubles(QPDFObjectHandle fields, const std::string &names, int depth)
+{
+    constexpr int deepest = 64;
+    for (int i = fields.getArrayNItems() - 1; i >= 0 && depth < deepest; --i) {
+        QPDFObjectHandle field = fields.getArrayItem(i);
+        QPDFObjectHandle own = entryOf(field, "/T");
+        const std::string name =
+            own.isString() ? (names.empty() ? names : names + '.') + own.getUTF8Value() : names;
+        QPDFObjectHandle kids = entryOf(field, "/Kids");
+        if (kids.isArray() && kids.getArrayNItems() > 0) {
+            if (m_walked.insert(field.getObjGen()).second) {
+                dropDoubles(kids, name, depth + 1);
+            }
+        } else if (own.isString() && m_seen.count(field.getObjGen()) == 0 &&
+                   m_names.count(name) > 0) {
+            fields.eraseItem(i);
+        }
+    }
 }
 
 /// Makes a widget a button of its own.
@@ -365,6 +398,9 @@ void writeValue(QPDFObjectHandle object, const Widget &widget)
     field.removeKey("/RV"); // the same text with its styles, as it was before
     if (widget.isToggle()) {
         field.replaceKey("/V", stateOf(widget));
+        if (FieldReader::buttonValues(field.getKey("/Opt")).isEmpty()) {
+            field.removeKey("/Opt"); // else other programs read the same value whichever is on
+        }
     } else if (widget.field.kind == Kind::text) {
         field.replaceKey("/V", stored(widget.value.text));
     } else {

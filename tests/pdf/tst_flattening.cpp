@@ -19,6 +19,7 @@ private Q_SLOTS:
     void readsBack_data();
     void readsBack();
     void keepsTheAgencysFlags();
+    void othersReadTheSame();
     void leavesThePageAlone();
     void noticesWhatIsCovered_data();
     void noticesWhatIsCovered();
@@ -158,6 +159,27 @@ void TestFlattening::keepsTheAgencysFlags()
     QCOMPARE(document->value(0).text, u"one line"_s);
     QVERIFY(
         askOf(u"qpdf"_s, {u"--qdf"_s, u"FILE"_s, u"-"_s}, document->bytes()).contains("/Ff 4096"));
+}
+
+/// Other programs go by names and by the values that a field lists for its buttons.
+void TestFlattening::othersReadTheSame()
+{
+    const Document doubled = QSPDFDocument::open(
+        smallPDF({textField + "/Parent 3 0 R", "/FT/Tx/T(a)/V(old)", "/FT/Tx/T(b)/V(script)"}));
+    doubled->setValue(0, {.text = u"new"_s, .on = false, .chosen = {}});
+    const QStringList ask = {u"FILE"_s, u"dump_data_fields_utf8"_s};
+    QByteArray fields = askOf(u"pdftk"_s, ask, doubled->bytes());
+    QCOMPARE(fields.count("FieldName: a"), 1);
+    QVERIFY(fields.contains("FieldValue: new") && fields.contains("FieldValue: script"));
+
+    const QByteArray one = "/Parent 4 0 R/AP<</N<</0 9 0 R/Off 8 0 R>>>>/Rect[10 100 30 120]";
+    const QByteArray other = "/Parent 4 0 R/AP<</N<</1 9 0 R/Off 8 0 R>>>>/Rect[50 100 70 120]";
+    const Document alike = QSPDFDocument::open(withDrawings(
+        smallPDF({"/FT/Btn/Ff 32768/T(r)/Kids[5 0 R 6 0 R]/Opt[(Yes)(Yes)]", one, other})));
+    QCOMPARE(alike->fields().at(1).onValue, u"1"_s);
+    alike->setValue(1, {.text = {}, .on = true, .chosen = {}});
+    fields = askOf(u"pdftk"_s, ask, alike->bytes());
+    QVERIFY2(fields.contains("FieldValue: 1"), fields.constData());
 }
 
 /// What is printed around and under a field is no part of its answer.
