@@ -1,6 +1,7 @@
 #include "../pdf/SmallPDF.h"
 #include "FormWindowFixture.h"
 #include "TestFiles.h"
+#include "VxMessageBar.h"
 
 #include <QBuffer>
 #include <QClipboard>
@@ -10,6 +11,7 @@
 #include <QMenuBar>
 #include <QPainter>
 #include <QPdfWriter>
+#include <QPushButton>
 #include <QScrollBar>
 #include <QWheelEvent>
 
@@ -60,6 +62,50 @@ private Q_SLOTS:
 
     void init() { begin(); }
     void cleanup() { end(); }
+
+    void aDrawingWithoutEndCanBeStopped()
+    {
+        QByteArray pdf = everyKind();
+        const QByteArray lines = QByteArray("0 0 m 600 700 l S ").repeated(400'000);
+        pdf.replace("/MediaBox", "/Contents 90 0 R/MediaBox");
+        pdf.replace("trailer", "90 0 obj <</Length " + QByteArray::number(lines.size()) +
+                                   ">> stream\n" + lines + "\nendstream endobj\ntrailer");
+        open(pdf);
+        auto *bar = m_window->findChild<VxMessageBar *>();
+        const auto stop = [bar] {
+            const QList<QPushButton *> buttons = bar->findChildren<QPushButton *>();
+            const auto found = std::ranges::find_if(buttons, [](const QPushButton *button) {
+                return button->isVisible() && button->text().contains(u"Stop"_s);
+            });
+            return found == buttons.end() ? nullptr : *found;
+        };
+        QTRY_VERIFY_WITH_TIMEOUT(stop(), 10'000);
+        stop()->click();
+        QTRY_VERIFY(!stop());
+        QCOMPARE(m_model->message(),
+                 u"The drawing of page 1 was stopped. At another zoom it is tried again."_s);
+    }
+
+    void aCutAnswerIsMarkedAsSoonAsItIsLeft()
+    {
+        open(everyKind());
+        FieldControl *control = m_view->control(name);
+        m_view->focusField(name, Qt::TabFocusReason);
+        QTest::keyClicks(focused(), QString(120, u'w'));
+        QVERIFY(!m_model->message());
+        press(Qt::Key_Tab);
+        QVERIFY(control->fault());
+        QCOMPARE(m_model->message(), control->fault()->sentence());
+        QCOMPARE(control->widget()->accessibleDescription(), u"1 word too long"_s);
+        QVERIFY(control->widget()->toolTip().endsWith(u"\n1 word too long"));
+        Q_EMIT m_model->fieldWanted(name);
+        QCOMPARE(focused(), control->widget());
+        QTest::keyClicks(focused(), u"w"_s);
+        QTest::keyClick(focused(), Qt::Key_A, Qt::ControlModifier);
+        QTest::keyClicks(focused(), u"short"_s);
+        QVERIFY(!control->fault() && control->widget()->accessibleDescription().isEmpty());
+        discard();
+    }
 
     void typingReachesTheDocument_data()
     {

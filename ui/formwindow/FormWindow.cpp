@@ -177,7 +177,8 @@ void FormWindow::connectModel()
     connect(&m_model, &AppModel::busyChanged, this, &FormWindow::showWork);
     connect(m_message, &VxMessageBar::dismissed, &m_model,
             [this] { m_model.setMessage(std::nullopt); });
-    connect(m_message, &VxMessageBar::stopWanted, &m_model, &AppModel::stopBusy);
+    connect(m_message, &VxMessageBar::stopWanted, this, &FormWindow::stopWork);
+    connect(m_renderer, &PageRenderer::slowPageChanged, this, &FormWindow::showWork);
 }
 
 void FormWindow::connectView()
@@ -242,10 +243,29 @@ void FormWindow::showMessage()
 
 void FormWindow::showWork()
 {
+    if (const std::optional<int> page = m_renderer->slowPage(); page && !m_model.busy()) {
+        m_message->displayWork({.text = u"Page %1 takes long to draw\u2026"_s.arg(*page + 1),
+                                .done = 0,
+                                .total = 0,
+                                .stoppable = true});
+        return;
+    }
     m_message->displayWork({.text = m_model.busy().value_or(QString()),
                             .done = m_model.busyProgress().done,
                             .total = m_model.busyProgress().total,
                             .stoppable = m_model.canStopBusy()});
+}
+
+void FormWindow::stopWork()
+{
+    if (m_model.busy()) {
+        m_model.stopBusy();
+    } else if (const std::optional<int> page = m_renderer->slowPage()) {
+        m_renderer->stop();
+        m_model.setMessage(
+            u"The drawing of page %1 was stopped. At another zoom it is tried again."_s.arg(*page +
+                                                                                            1));
+    }
 }
 
 void FormWindow::bringForward()

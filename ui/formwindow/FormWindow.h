@@ -44,6 +44,7 @@ private:
     void showState();
     void showMessage();
     void showWork();
+    void stopWork();
 
     AppModel &m_model;
     FormEdits *m_edits;

@@ -2,11 +2,19 @@
 
 #include "QSPDFDocument.h"
 
+#include <chrono>
 #include <utility>
+
+namespace {
+constexpr auto patience = std::chrono::seconds(3);
+} // namespace
 
 PageRenderer::PageRenderer(QObject *parent) : QObject(parent)
 {
     m_pool.setMaxThreadCount(1);
+    m_patience.setSingleShot(true);
+    m_patience.setInterval(patience);
+    connect(&m_patience, &QTimer::timeout, this, [this] { setSlowPage(m_job.page); });
 }
 
 PageRenderer::~PageRenderer()
@@ -24,6 +32,8 @@ void PageRenderer::open(const std::shared_ptr<QSPDFDocument> &document,
         *m_cancelled = true;
     }
     ++m_run; // what is still drawn of the document before is nobody's
+    m_patience.stop();
+    setSlowPage({});
     m_waiting = nullptr;
     m_document = document;
     m_clients = clients;
@@ -54,6 +64,8 @@ void PageRenderer::start(Client *client, const Job &job)
     m_waiting = client;
     m_job = job;
     m_changed = false;
+    m_stopped = false;
+    m_patience.start();
     m_cancelled = std::make_shared<std::atomic_bool>(false);
     m_pool.start([this, run = ++m_run, document = m_document, cancelled = m_cancelled, job] {
         const QImage drawing = document->render(job.page, job.dotsPerInch, job.clip,
@@ -69,6 +81,8 @@ void PageRenderer::finish(int run, const QImage &drawing)
         return;
     }
     Client *client = std::exchange(m_waiting, nullptr);
+    m_patience.stop();
+    setSlowPage({});
     if (!drawing.isNull()) {
         m_failures = 0;
         client->take(m_job, drawing);
@@ -76,9 +90,24 @@ void PageRenderer::finish(int run, const QImage &drawing)
         // Saving cuts a drawing short as well; what can't be drawn fails again and again.
         constexpr int mostFailures = 3;
         m_failures = m_changed || *m_cancelled ? 0 : m_failures + 1;
-        const bool hopeless = m_failures == mostFailures;
+        const bool hopeless = m_stopped || m_failures == mostFailures;
         m_failures = hopeless ? 0 : m_failures;
         client->lose(m_job, hopeless);
     }
     wake();
+}
+
+void PageRenderer::stop()
+{
+    if (m_waiting) {
+        m_stopped = true;
+        *m_cancelled = true;
+    }
+}
+
+void PageRenderer::setSlowPage(const std::optional<int> &page)
+{
+    if (std::exchange(m_slowPage, page) != page) {
+        Q_EMIT slowPageChanged();
+    }
 }

@@ -4,6 +4,7 @@
 #include <QObject>
 #include <QRect>
 #include <QThreadPool>
+#include <QTimer>
 
 #include <atomic>
 #include <memory>
@@ -56,10 +57,19 @@ public:
     void wake();
     /// A value of the document has changed, which cuts a running drawing short.
     void contentChanged() { m_changed = true; }
+    /// The page whose drawing takes so long that somebody may want to stop it; absent when none
+    /// does.
+    [[nodiscard]] std::optional<int> slowPage() const { return m_slowPage; }
+    /// Ends the drawing that runs. It counts as one that can't be made.
+    void stop();
+
+Q_SIGNALS:
+    void slowPageChanged();
 
 private:
     void start(Client *client, const Job &job);
     void finish(int run, const QImage &drawing);
+    void setSlowPage(const std::optional<int> &page);
 
     QThreadPool m_pool; ///< of its own: the shared one may be busy with the network for long
     std::shared_ptr<QSPDFDocument> m_document;
@@ -69,5 +79,8 @@ private:
     Job m_job;
     int m_run = 0;
     bool m_changed = false;
+    bool m_stopped = false;
+    QTimer m_patience; ///< runs out when the job that runs takes long
+    std::optional<int> m_slowPage;
     int m_failures = 0; ///< in a row, without anything that is known to have cut them short
 };
