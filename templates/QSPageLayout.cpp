@@ -51,7 +51,9 @@ QFont serif(qreal size, bool bold, bool italic)
 {
     static const QImage measure = createMeasure();
     static const QString family = serifFamily();
-    QFont font(family);
+    // Qt 6.4 names a glyph of a PDF by one letter alone, and larger fonts than this one draw some
+    // ideographs and radicals with the same glyph: a copied text would be another.
+    QFont font({family, QStringLiteral("Droid Sans Fallback")});
     font.setStyleHint(QFont::Serif);
     font.setPointSizeF(size);
     font.setBold(bold);

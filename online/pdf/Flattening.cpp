@@ -18,9 +18,11 @@ bool prints(QPDFObjectHandle annotation, int flags)
     if ((flags & an_print) != 0) {
         return true;
     }
-    const bool isWidget = annotation.isDictionaryOfType("", "/Widget");
-    return isWidget && (flags & an_no_view) == 0 &&
-           !QPDFFormFieldObjectHelper(annotation).isPushbutton();
+    if (!annotation.isDictionaryOfType("", "/Widget") || (flags & an_no_view) != 0) {
+        return false;
+    }
+    QPDFFormFieldObjectHelper field(annotation);
+    return !field.isPushbutton() && (field.getFlags() & ff_all_read_only) == 0;
 }
 
 /// The flags say of all annotations alike whether they are drawn; "invisible" speaks only of kinds
