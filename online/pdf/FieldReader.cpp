@@ -336,8 +336,8 @@ std::optional<Widget> FieldReader::read(const QPDFObjectHandle &object)
     field.required = (helper.getFlags() & ff_all_required) != 0;
     const int flags = flagsOf(object);
     field.shown = (flags & (an_hidden | an_no_view)) == 0;
-    widget.printed = (flags & an_hidden) == 0 &&
-                     ((flags & an_print) != 0 || (field.shown && !field.readOnly));
+    widget.printed =
+        (flags & an_hidden) == 0 && ((flags & an_print) != 0 || (field.shown && !field.readOnly));
     widget.group = groupOf(field, object);
     if (field.kind == Kind::text) {
         readText(widget, helper);

@@ -41,7 +41,12 @@ bool hasHeader(const QByteArray &bytes)
 /// A file that only Poppler can read has pages to look at and to print, and no fields.
 WorkingCopy viewOnly(const QByteArray &bytes)
 {
-    return {.bytes = bytes, .widgets = {}, .tabs = {}, .structure = {}, .isForXFA = false};
+    return {.bytes = bytes,
+            .widgets = {},
+            .tabs = {},
+            .structure = {},
+            .isPacked = false,
+            .isForXFA = false};
 }
 
 /// No more characters than the limit, none of them cut in half.
@@ -173,13 +178,15 @@ private:
 
     const bool m_isViewOnly;
     const bool m_isForXFA;
+    const QpdfFile::Packing m_packing;
 };
 
 QSPDFDocument::Private::Private(WorkingCopy copy)
     : m_widgets(std::move(copy.widgets)),
       m_form(copy.bytes, m_widgets),
       m_isViewOnly(copy.tabs.isEmpty()),
-      m_isForXFA(copy.isForXFA)
+      m_isForXFA(copy.isForXFA),
+      m_packing(copy.isPacked ? QpdfFile::Packing::packed : QpdfFile::Packing::open)
 {
     for (Widget &widget : m_widgets) {
         m_fields.append(widget.field);
@@ -263,7 +270,7 @@ QByteArray QSPDFDocument::Private::file() const
         const FieldDrawings drawings(held);
         const QpdfFile file(m_form.bytes());
         WorkingCopy::finish(file.pdf(), held, drawings);
-        return file.write();
+        return file.write(m_packing);
     });
 }
 
@@ -278,7 +285,7 @@ QSPDFDocument::FlatCopy QSPDFDocument::Private::flatCopy() const
         const QpdfFile file(m_form.bytes());
         WorkingCopy::finish(file.pdf(), held, drawings);
         Flattening::apply(file.pdf());
-        FlatCopy copy{file.write(), {}};
+        FlatCopy copy{file.write(m_packing), {}};
         QList<int> hidden = ReadBack::unread(drawings, held);
         hidden += ReadBack::unseen(copy.pdf, held, m_form);
         for (const Widget &widget : held) {

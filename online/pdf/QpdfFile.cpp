@@ -5,6 +5,9 @@
 #include <qpdf/QPDFLogger.hh>
 #include <qpdf/QPDFObjectHandle.hh>
 #include <qpdf/QPDFWriter.hh>
+#include <qpdf/QPDFXRefEntry.hh>
+
+#include <algorithm>
 
 namespace {
 /// Collects what qpdf writes.
@@ -45,7 +48,25 @@ QpdfFile::QpdfFile(QByteArray bytes) : m_bytes(std::move(bytes)), m_pdf(silentQp
     m_pdf->processMemoryFile("PDF", m_bytes.constData(), static_cast<size_t>(m_bytes.size()));
 }
 
-QByteArray QpdfFile::write() const
+bool QpdfFile::isPacked() const
+{
+    constexpr int inStream = 2; // of a cross-reference table's entries
+    const auto table = m_pdf->getXRefTable();
+    return std::ranges::any_of(
+        table, [](const auto &entry) { return entry.second.getType() == inStream; });
+}
+
+QByteArray QpdfFile::write(Packing packing) const
+{
+    return write(packing, true);
+}
+
+QByteArray QpdfFile::writeLoose() const
+{
+    return write(Packing::open, false);
+}
+
+QByteArray QpdfFile::write(Packing packing, bool compress) const
 {
     // qpdf 11.3 writes the size of a file that it had to repair only where it finds one to replace.
     QPDFObjectHandle trailer = m_pdf->getTrailer();
@@ -59,8 +80,10 @@ QByteArray QpdfFile::write() const
     writer.setOutputPipeline(&pipeline);
     writer.setPreserveEncryption(false);
     writer.setDecodeLevel(qpdf_dl_none); // what is compressed stays as it is
-    writer.setCompressStreams(true);
-    writer.setObjectStreamMode(qpdf_o_preserve);
+    writer.setCompressStreams(compress);
+    writer.setObjectStreamMode(packing == Packing::asRead   ? qpdf_o_preserve
+                               : packing == Packing::packed ? qpdf_o_generate
+                                                            : qpdf_o_disable);
     writer.write();
     return bytes;
 }

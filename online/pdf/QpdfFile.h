@@ -19,11 +19,19 @@ public:
     explicit QpdfFile(QByteArray bytes);
 
     [[nodiscard]] QPDF &pdf() const { return *m_pdf; }
-    /// The file without encryption. Streams and object streams stay as they are, which is fast and
-    /// changes nothing that nobody asked to change. Throws std::exception.
-    [[nodiscard]] QByteArray write() const;
+    /// True when the file has several objects in one stream, which is small, and lost as a whole
+    /// when the file is cut off.
+    [[nodiscard]] bool isPacked() const;
+    enum class Packing { asRead, packed, open };
+    /// The file without encryption; streams that are compressed stay as they are. Throws
+    /// std::exception.
+    [[nodiscard]] QByteArray write(Packing packing = Packing::asRead) const;
+    /// The same in a hurry, for bytes that stay in memory.
+    [[nodiscard]] QByteArray writeLoose() const;
 
 private:
+    [[nodiscard]] QByteArray write(Packing packing, bool compress) const;
+
     QByteArray m_bytes; // qpdf reads from them as long as it lives
     std::shared_ptr<QPDF> m_pdf;
 };

@@ -104,7 +104,6 @@ QList<int> ReadBack::unseen(const QByteArray &flattened, const QList<Widget> &wi
     QList<int> unseen;
     const auto document = PopplerForm::load(flattened);
     if (document) {
-        document->setRenderHint(Poppler::Document::Antialiasing);
         document->setRenderHint(Poppler::Document::TextAntialiasing);
     }
     for (auto page = pages.cbegin(); page != pages.cend(); ++page) {

@@ -413,8 +413,9 @@ WorkingCopy WorkingCopy::make(const QByteArray &bytes)
 {
     const QpdfFile file(bytes);
     WorkingCopy copy;
+    copy.isPacked = file.isPacked();
     Maker(file.pdf(), copy).run();
-    copy.bytes = file.write();
+    copy.bytes = file.writeLoose();
     return copy;
 }
 

@@ -23,6 +23,7 @@ struct WorkingCopy
     QList<Widget> widgets;  ///< in page order; a widget's id is its position here
     QList<QByteArray> tabs; ///< by page: the order of its widgets by keyboard, if it asks for one
     QList<int> structure;   ///< ids of widgets in the order of the structure tree, if a page asks
+    bool isPacked = false;  ///< the file was; the bytes here are not
     bool isForXFA = false;  ///< its form is for another kind of program, and no field is left here
 
     /// Throws QPDFExc when the bytes can't be read.
