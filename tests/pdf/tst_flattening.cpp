@@ -247,7 +247,8 @@ void TestFlattening::printsWhatPrints_data()
         "/FT/Btn/Ff 65536/T(p)/Rect[10 100 110 120]/MK<</BG[0]>>/AP<</N 9 0 R>>";
     QTest::newRow("flagged for print") << textField << true << true;
     QTest::newRow("typed, and not flagged for print") << textField + "/F 0" << true << true;
-    QTest::newRow("a notice on the screen") << QByteArray(textField).replace("/F 4", "/Ff 1") << true << false;
+    QTest::newRow("a notice on the screen")
+        << QByteArray(textField).replace("/F 4", "/Ff 1") << true << false;
     QTest::newRow("for reading, flagged for print") << textField + "/Ff 1" << true << true;
     QTest::newRow("\"invisible\" speaks of other kinds") << textField + "/F 1" << true << true;
     QTest::newRow("hidden") << textField + "/F 6" << false << false;
