@@ -8,6 +8,8 @@
 
 #include <QGuiApplication>
 
+#include <sys/resource.h>
+
 using namespace Qt::Literals::StringLiterals;
 
 namespace {
@@ -101,6 +103,59 @@ void measureFilling(const SampleUser &user)
                     .wanted = 1});
 }
 
+/// The processor's time until now, of this process or of the programs that it ran, in milliseconds.
+double processorTime(int whose)
+{
+    rusage usage{};
+    getrusage(whose, &usage);
+    const auto milliseconds = [](const timeval &time) {
+        return static_cast<double>(time.tv_sec) * 1000 + static_cast<double>(time.tv_usec) / 1000;
+    };
+    return milliseconds(usage.ru_utime) + milliseconds(usage.ru_stime);
+}
+
+/// Real forms of courts and agencies, the whole way, in processor time.
+void measureWholeWay(const SampleUser &user)
+{
+    const QDir courts(RealForms::folder().filePath(u"courts"_s));
+    const QString values = user.path(u"values.fdf"_s);
+    const QString plain = user.path(u"plain.pdf"_s);
+    const QString copy = user.path(u"filled.pdf"_s);
+    for (const QString &name : {u"us-n-400"_s, u"us-b-107"_s, u"ca-dv-100"_s, u"ca-fl-300"_s,
+                                u"ca-pld-c-001"_s, u"us-1040-2023"_s, u"us-i-193"_s}) {
+        const QString form = courts.filePath(name + u".pdf"_s);
+        QByteArray saved;
+        const auto whole = [&] {
+            const double before = processorTime(RUSAGE_SELF);
+            const auto document = QSPDFDocument::open(RealForms::read(form));
+            (void)RealForms::fillAll(*document);
+            saved = document->bytes();
+            if (document->flatCopy().pdf.isEmpty()) {
+                qFatal("nothing was flattened");
+            }
+            return processorTime(RUSAGE_SELF) - before;
+        };
+        (void)whole();
+        write(copy, saved);
+        RealForms::run(u"pdftk"_s, {copy, u"generate_fdf"_s, u"output"_s, values});
+        RealForms::run(u"qpdf"_s, {u"--decrypt"_s, form, plain});
+        const auto byPdftk = [&] {
+            const double before = processorTime(RUSAGE_CHILDREN);
+            RealForms::run(u"pdftk"_s, {plain, u"fill_form"_s, values, u"output"_s,
+                                        user.path(u"flat.pdf"_s), u"flatten"_s});
+            return processorTime(RUSAGE_CHILDREN) - before;
+        };
+        const auto [ours, pdftk] = Measure::inTurns(turns, whole, byPdftk);
+        Measure::print({.path = "open, fill, save, flatten, read back " + name.toStdString() +
+                                ", processor time",
+                        .ours = ours.median(),
+                        .peer = pdftk.median(),
+                        .unit = "ms",
+                        .peerName = "pdftk fill_form flatten",
+                        .wanted = 0.5});
+    }
+}
+
 /// Every value set, saved, opened again and flattened, over all files that open.
 void countSurvivors()
 {
@@ -137,6 +192,7 @@ int main(int argc, char *argv[])
     }
     measureOpening(user);
     measureFilling(user);
+    measureWholeWay(user);
     countSurvivors();
     return 0;
 }

@@ -102,6 +102,7 @@ private:
     void addWidget(const QPDFObjectHandle &object);
     void provideFont(QPDFObjectHandle object);
     void list(const QPDFObjectHandle &object);
+    void adopt(QPDFObjectHandle parent, const QPDFObjectHandle &kid);
     void separate(QPDFObjectHandle object, const Widget &widget, int id);
     void switchDrawings(QPDFObjectHandle object, const Widget &widget);
     void readStructure();
@@ -115,6 +116,8 @@ private:
     QPDFObjectHandle m_fields;
     QPDFObjectHandle m_nothing; ///< a drawing of no ink
     std::set<QPDFObjGen> m_seen;
+    std::set<QPDFObjGen> m_parents; // whose kids are in m_kids
+    std::set<QPDFObjGen> m_kids;
     std::set<std::string> m_names; // of the fields on pages
     std::set<QPDFObjGen> m_walked; // of the fields above others, which may go round in circles
     std::set<QPDFObjGen> m_listed; // what the agency's list of fields has
@@ -235,13 +238,33 @@ void Maker::list(const QPDFObjectHandle &object)
             return;
         }
         QPDFObjectHandle parent = top.getKey("/Parent");
-        if (!parent.isIndirect() || !entryOf(parent, "/Kids").isArray()) {
+        const bool isField = entryOf(parent, "/Kids").isArray() ||
+                             (parent.isDictionary() && m_listed.count(parent.getObjGen()) > 0);
+        if (!parent.isIndirect() || !isField) {
             break;
         }
+        adopt(parent, top);
         top = parent;
     }
     m_form.getKey("/Fields").appendItem(top);
     m_listed.insert(top.getObjGen());
+}
+
+/// Lists a field with the one that it names as its parent.
+void Maker::adopt(QPDFObjectHandle parent, const QPDFObjectHandle &kid)
+{
+    if (!parent.getKey("/Kids").isArray()) {
+        parent.replaceKey("/Kids", QPDFObjectHandle::newArray());
+    }
+    QPDFObjectHandle kids = parent.getKey("/Kids");
+    if (m_parents.insert(parent.getObjGen()).second) {
+        for (const QPDFObjectHandle &each : kids.getArrayAsVector()) {
+            m_kids.insert(each.getObjGen());
+        }
+    }
+    if (m_kids.insert(kid.getObjGen()).second) {
+        kids.appendItem(kid);
+    }
 }
 
 /// Takes away listed fields that are on no page and have the name of one that is: a program that

@@ -172,6 +172,12 @@ void TestFlattening::othersReadTheSame()
     QCOMPARE(fields.count("FieldName: a"), 1);
     QVERIFY(fields.contains("FieldValue: new") && fields.contains("FieldValue: script"));
 
+    const Document orphaned = QSPDFDocument::open(
+        smallPDF({"/FT/Tx/T(c)", "/Parent 4 0 R/Rect[10 100 110 120]" + QByteArray(helv)}));
+    orphaned->setValue(0, {.text = u"found"_s, .on = false, .chosen = {}});
+    fields = askOf(u"pdftk"_s, ask, orphaned->bytes());
+    QVERIFY2(fields.contains("FieldName: c\nFieldFlags: 0\nFieldValue: found"), fields.constData());
+
     const QByteArray one = "/Parent 4 0 R/AP<</N<</0 9 0 R/Off 8 0 R>>>>/Rect[10 100 30 120]";
     const QByteArray other = "/Parent 4 0 R/AP<</N<</1 9 0 R/Off 8 0 R>>>>/Rect[50 100 70 120]";
     const Document alike = QSPDFDocument::open(withDrawings(
