@@ -30,7 +30,7 @@ struct TextStyle
 /// between words, or inside one that is wider than a line.
 ///
 /// All lengths are points, with y downward from the upper left corner of the first line. Any thread
-/// may use it, one at a time.
+/// may use it; each function locks.
 class TextLayout final
 {
 public:

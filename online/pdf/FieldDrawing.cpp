@@ -21,6 +21,8 @@ constexpr double edge = 0.5;  // between ink and the field's edge
 constexpr double padding = 2; // between the border and the text, where there is room
 constexpr double widest = 1e6;
 
+constexpr qsizetype mostLetters = 20'000; // more than a page takes
+
 // shares of a font's size
 constexpr double tall = 0.74; // a capital with some of its accent, above the baseline
 constexpr double deep = 0.22; // a descender below it
@@ -81,6 +83,9 @@ double largestThatFits(double least, double most, const Fits &fits)
     if (fits(most)) {
         return most;
     }
+    if (!fits(least)) {
+        return least;
+    }
     double fitting = least;
     while (most - fitting > close) {
         const double middle = (fitting + most) / 2;
@@ -129,7 +134,8 @@ FieldDrawing::FieldDrawing(const Widget &widget)
         return;
     }
     m_cells = widget.field.comb ? widget.field.maxLength : 0;
-    const QString text = texts(widget).constFirst();
+    const QString whole = texts(widget).constFirst();
+    const QString text = whole.first(std::min(whole.size(), mostLetters));
     if (text.trimmed().isEmpty() || m_size.isEmpty()) {
         return;
     }
@@ -140,6 +146,7 @@ FieldDrawing::FieldDrawing(const Widget &widget)
     } else {
         setOneLine(widget, text);
     }
+    m_rest += whole.sliced(text.size());
 }
 
 bool FieldDrawing::isEmpty() const
@@ -318,7 +325,8 @@ void FieldDrawing::drawFrame(TextCanvas &canvas) const
     const double inset = width / 2;
     canvas.outline(QRectF({}, m_size).adjusted(inset, inset, -inset, -inset), width, m_frame.border,
                    m_frame.line == FieldFrame::Line::dashed);
-    for (int cell = 1; cell < m_cells; ++cell) {
+    const bool hasCells = m_cells > 0 && m_size.width() / m_cells > 2 * width;
+    for (int cell = 1; hasCells && cell < m_cells; ++cell) {
         const double x = m_size.width() * cell / m_cells;
         canvas.line({x, 0}, {x, m_size.height()}, width, m_frame.border);
     }

@@ -16,7 +16,7 @@ class TextCanvas;
 /// boxes that a font declares for them. Whatever does not fit even so ends in an ellipsis.
 ///
 /// Lengths are points from the upper left corner of the field as it is read, before it is turned.
-/// A drawing does not change; one thread at a time.
+/// A drawing does not change, and any thread may draw it: its texts lock themselves.
 class FieldDrawing final
 {
 public:

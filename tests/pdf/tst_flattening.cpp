@@ -116,6 +116,8 @@ void TestFlattening::readsBack_data()
                               << u"2 words too long"_s;
     QTest::newRow("several lines") << lines << u"1\n2\n3"_s << none;
     QTest::newRow("too many lines") << lines << u"1\n2\n3\n4\n5\n6 7\n8"_s << u"1 word too long"_s;
+    QTest::newRow("a story without end")
+        << lines << u"word "_s.repeated(20'000).trimmed() << u"19963 words too long"_s;
     QTest::newRow("several lines' field that holds one")
         << box("[10 100 110 113]") + "/Ff 4096" << u"one line"_s << none;
     QTest::newRow("shrunk") << open << QString(15, u'W') << none;

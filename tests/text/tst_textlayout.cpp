@@ -87,6 +87,9 @@ void TestTextLayout::cutsWhereTheRoomEnds()
     const QString read = SecondReader::read(canvas.finish(), u"pdftotext"_s, {u"@"_s, u"-"_s});
     QVERIFY2(read.trimmed() == u"one two th…" || read.trimmed() == u"one two thr…",
              qPrintable(read)); // and nothing of what is not seen
+    TextLayout backwards(u"שרה כהן שרה כהן"_s, {});
+    backwards.cutTo({room, 100});
+    QVERIFY(backwards.size().width() <= room && backwards.size().width() > 0.6 * room);
     TextLayout lines(u"one\ntwo\nthree"_s, {}, 100);
     QCOMPARE(lines.firstOutside({0, 0, 100, lines.size().height() * 0.7}), 8);
 }
