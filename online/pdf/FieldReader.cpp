@@ -299,7 +299,11 @@ QPDFObjectHandle FieldReader::fieldOf(const QPDFObjectHandle &widget)
     for (int depth = 0; depth < deepest && !field.hasKey("/T"); ++depth) {
         QPDFObjectHandle parent = field.getKey("/Parent");
         if (!parent.isDictionary()) {
-            return widget;
+            // Without a name anywhere, what lists the widget and says its type is its field.
+            QPDFObjectHandle above = QPDFObjectHandle(widget).getKey("/Parent");
+            const bool isField =
+                entryOf(above, "/Kids").isArray() && entryOf(above, "/FT").isName();
+            return isField ? above : widget;
         }
         field = parent;
     }

@@ -326,6 +326,11 @@ void TestQSPDFDocument::groups_data()
     QTest::newRow("boxes of one name in fields of their own")
         << Objects{"/FT/Btn/T(g)/Rect[10 10 19 19]", "/FT/Btn/T(g)/Rect[30 10 39 19]"}
         << QList<int>{1} << u"11"_s;
+    QTest::newRow("radio buttons of a group without a name") << [&] {
+        Objects objects = group(radio, {1, 2});
+        objects[0].remove(objects[0].indexOf("/T(g)"), 5);
+        return objects;
+    }() << QList<int>{0, 1} << u"01"_s;
     QTest::newRow("boxes without names")
         << Objects{"/FT/Btn/Rect[10 10 19 19]", "/FT/Btn/Rect[30 10 39 19]"} << QList<int>{1}
         << u"01"_s;
