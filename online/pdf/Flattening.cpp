@@ -36,13 +36,15 @@ void settleFlags(QPDFObjectHandle annotation)
         "/F", QPDFObjectHandle::newInteger(prints(annotation, flags) ? kept : kept | an_hidden));
 }
 
-void removeScripts(QPDFObjectHandle root)
+void removeActions(QPDFObjectHandle root)
 {
     root.removeKey("/OpenAction");
     root.removeKey("/AA");
+    root.removeKey("/AF");
     QPDFObjectHandle names = root.getKey("/Names");
     if (names.isDictionary()) {
         names.removeKey("/JavaScript");
+        names.removeKey("/EmbeddedFiles");
     }
 }
 } // namespace
@@ -51,6 +53,7 @@ void Flattening::apply(QPDF &pdf)
 {
     QPDFPageDocumentHelper pages(pdf);
     for (QPDFPageObjectHelper &page : pages.getAllPages()) {
+        page.getObjectHandle().removeKey("/AA");
         QPDFObjectHandle annotations = page.getObjectHandle().getKey("/Annots");
         if (!annotations.isArray()) {
             continue;
@@ -66,5 +69,5 @@ void Flattening::apply(QPDF &pdf)
     }
     pages.flattenAnnotations();
     pdf.getRoot().removeKey("/AcroForm");
-    removeScripts(pdf.getRoot());
+    removeActions(pdf.getRoot());
 }

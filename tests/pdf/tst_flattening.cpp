@@ -26,6 +26,7 @@ private Q_SLOTS:
     void namesWhatIsCut();
     void printsWhatPrints_data();
     void printsWhatPrints();
+    void doesNothingByItself();
 };
 
 void TestFlattening::oneAnswer_data()
@@ -280,6 +281,18 @@ void TestFlattening::printsWhatPrints()
     const QByteArray flat = document->flattened();
     QCOMPARE(ink(QSPDFDocument::open(flat)->render(0, 72)) > 0, printed);
     QVERIFY(!askOf(u"pdfinfo"_s, {u"FILE"_s}, flat).contains("AcroForm"));
+}
+
+void TestFlattening::doesNothingByItself()
+{
+    QByteArray pdf = smallPDF({textField}, "/AA<</O<</S/URI/URI(https://a.test)>>>>");
+    pdf.replace("/Type/Catalog", "/Type/Catalog/OpenAction<</S/JavaScript/JS(1)>>/Names<<"
+                                 "/EmbeddedFiles<</Names[(kept.txt) <</F(kept.txt)>>]>>>>");
+    const QByteArray flat =
+        askOf(u"qpdf"_s, {u"--qdf"_s, u"FILE"_s, u"-"_s}, QSPDFDocument::open(pdf)->flattened());
+    for (const char *gone : {"/AA", "/OpenAction", "/URI", "kept.txt"}) {
+        QVERIFY2(!flat.contains(gone), gone);
+    }
 }
 
 QTEST_MAIN(TestFlattening)
