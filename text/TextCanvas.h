@@ -10,7 +10,8 @@
 #include <memory>
 
 class TextLayout;
-using cairo_t = struct _cairo;
+// The library's own name for its type.
+using cairo_t = struct _cairo; // NOLINT(bugprone-reserved-identifier)
 
 /// What texts are drawn on, in points with y downward; one thread at a time.
 class TextCanvas

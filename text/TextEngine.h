@@ -3,7 +3,7 @@
 #include <mutex>
 
 // The libraries' own names for their types, so that their headers stay in the .cpp files.
-using PangoContext = struct _PangoContext;
+using PangoContext = struct _PangoContext; // NOLINT(bugprone-reserved-identifier)
 
 /// The one set of fonts that all texts are set in. It belongs to no thread: whoever touches a text
 /// or its context holds the lock meanwhile.

@@ -8,8 +8,9 @@
 
 #include <memory>
 
-using PangoLayout = struct _PangoLayout;
-using cairo_t = struct _cairo;
+// The libraries' own names for their types.
+using PangoLayout = struct _PangoLayout; // NOLINT(bugprone-reserved-identifier)
+using cairo_t = struct _cairo;           // NOLINT(bugprone-reserved-identifier)
 
 /// How letters look. Scripts that the family lacks come from the fonts that are installed for them.
 struct TextStyle
