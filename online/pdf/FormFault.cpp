@@ -25,7 +25,7 @@ QString place(const FormFault &fault)
     const QString label = fault.label.isEmpty()
                               ? u"a field without a name"_s
                               : u'"' + shortened(fault.label, longestLabel) + u'"';
-    return u"%1 on page %2"_s.arg(label).arg(fault.page + 1);
+    return u"%1 on page %2"_s.arg(label, QString::number(fault.page + 1)); // labels may have a "%2"
 }
 } // namespace
 

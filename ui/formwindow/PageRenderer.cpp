@@ -87,7 +87,7 @@ void PageRenderer::finish(int run, const QImage &drawing)
         m_failures = 0;
         client->take(m_job, drawing);
     } else {
-        // Saving cuts a drawing short as well; what can't be drawn fails again and again.
+        // Something else may have cut it short; what can't be drawn fails again and again.
         constexpr int mostFailures = 3;
         m_failures = m_changed || *m_cancelled ? 0 : m_failures + 1;
         const bool hopeless = m_stopped || m_failures == mostFailures;
