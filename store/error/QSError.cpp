@@ -27,6 +27,11 @@ QSError QSError::network(const QString &text)
     return {Case::network, text};
 }
 
+QSError QSError::io(const QString &text)
+{
+    return {Case::io, text};
+}
+
 QSError QSError::notFound()
 {
     return {Case::notFound, {}};
@@ -43,6 +48,7 @@ QString QSError::description() const
         return u"That record no longer exists."_s;
     case Case::invalid:
     case Case::network:
+    case Case::io:
         break;
     }
     return m_payload;

@@ -15,6 +15,7 @@ public:
         invalid,   ///< what was asked for can't be done with this input
         badBackup, ///< a backup file can't be restored
         network,   ///< an agency's site could not be reached or read
+        io,        ///< this computer's disk or a file on it refused; the system's reason is told
         notFound   ///< the record is gone
     };
 
@@ -22,6 +23,7 @@ public:
     [[nodiscard]] static QSError invalid(const QString &text);
     [[nodiscard]] static QSError badBackup(const QString &text);
     [[nodiscard]] static QSError network(const QString &text);
+    [[nodiscard]] static QSError io(const QString &text);
     [[nodiscard]] static QSError notFound();
 
     [[nodiscard]] Case errorCase() const { return m_case; }

@@ -16,7 +16,7 @@ void write(const QString &path, const QByteArray &data, Readers readers)
                          file.flush() && // commit() forgets a failure of the last buffer
                          file.commit();
     if (!written) {
-        throw QSError::invalid(file.errorString());
+        throw QSError::io(file.errorString());
     }
 }
 
@@ -24,11 +24,11 @@ QByteArray read(const QString &path)
 {
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly)) {
-        throw QSError::invalid(file.errorString());
+        throw QSError::io(file.errorString());
     }
     QByteArray data = file.readAll();
     if (file.error() != QFile::NoError) {
-        throw QSError::invalid(file.errorString());
+        throw QSError::io(file.errorString());
     }
     return data;
 }
