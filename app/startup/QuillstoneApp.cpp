@@ -11,6 +11,8 @@
 
 #include <functional>
 
+using namespace Qt::Literals::StringLiterals;
+
 namespace {
 /// Calls back once, when a window has been painted for the first time.
 class AfterFirstPaint final : public QObject
@@ -46,13 +48,32 @@ QuillstoneApp::~QuillstoneApp()
     QSStore::setShared(nullptr);
 }
 
+bool QuillstoneApp::opensAnyway()
+{
+    static constexpr int openAnyway = 1;
+    return m_desktop.ask(
+               {u"This data folder may be in use by another %1."_s.arg(QSInfo::appName),
+                u"The folder is %1. It is marked as in use, but no program answers: it may have "
+                "been copied from another computer, or a program may have ended while it was "
+                "starting. Where two programs work on it at once, one may not be able to save."_s
+                    .arg(QSInfo::dataFolder().path()),
+                {u"Don't Open"_s, u"Open Anyway"_s},
+                0}) == openAnyway;
+}
+
 bool QuillstoneApp::start()
 {
     m_instance.emplace(QSInfo::dataFolder().path());
-    if (!m_instance->isFirst()) {
+    if (m_instance->standing() == QSSingleInstance::Standing::second) {
         return false;
     }
     QSSetup::configure();
+    if (m_instance->standing() == QSSingleInstance::Standing::unsure) {
+        if (!opensAnyway()) {
+            return false;
+        }
+        m_instance->takeOver();
+    }
     const std::optional<QString> problem = QSSetup::openStore();
     m_model.emplace(m_desktop);
     m_window.emplace(*m_model);

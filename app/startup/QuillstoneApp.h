@@ -18,12 +18,14 @@ public:
     QuillstoneApp &operator=(const QuillstoneApp &) = delete;
 
     /// Opens the window; false when the program already runs over this data folder and has come
-    /// forward instead.
+    /// forward instead, or may run there and the person does not want to open it anyway.
     [[nodiscard]] bool start();
     /// Only after start() returned true.
     [[nodiscard]] MainWindow &window() { return *m_window; }
 
 private:
+    [[nodiscard]] bool opensAnyway();
+
     std::optional<QSSingleInstance> m_instance;
     QtDesktop m_desktop;
     std::optional<AppModel> m_model;

@@ -8,8 +8,11 @@
 #include "TestFiles.h"
 #include "VellAbout.h"
 
+#include <QLocalSocket>
 #include <QSignalSpy>
+#include <QStandardPaths>
 #include <QTest>
+#include <QThread>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -113,19 +116,76 @@ private Q_SLOTS:
     {
         const QString folder = QSInfo::dataFolder().path();
         auto first = std::make_unique<QSSingleInstance>(folder);
-        QVERIFY(first->isFirst());
+        QCOMPARE(first->standing(), Standing::first);
+        const auto others =
+            QFile::ReadGroup | QFile::WriteGroup | QFile::ReadOther | QFile::WriteOther;
+        QVERIFY(!(QFile::permissions(folder + u"/Quillstone.lock"_s) & others));
         QSignalSpy forward(first.get(), &QSSingleInstance::broughtForward);
-        const QSSingleInstance second(folder);
-        QVERIFY(!second.isFirst());
-        QVERIFY(forward.count() == 1 || forward.wait(3000));
+        QCOMPARE(secondStart(folder), Standing::second);
+        QCOMPARE(forward.count(), 1);
         // another data folder is another program
         QVERIFY(QDir().mkdir(m_user->path(u"other"_s)));
-        QVERIFY(QSSingleInstance(m_user->path(u"other"_s)).isFirst());
+        QCOMPARE(QSSingleInstance(m_user->path(u"other"_s)).standing(), Standing::first);
         first.reset();
-        QVERIFY(QSSingleInstance(folder).isFirst());
+        QCOMPARE(QSSingleInstance(folder).standing(), Standing::first);
+    }
+
+    void aLockThatNobodyAnswersForIsNoDeadEnd_data()
+    {
+        QTest::addColumn<QByteArray>("lock");
+        QTest::newRow("a crash before anything was written") << QByteArray();
+        QTest::newRow("copied from another computer")
+            << QByteArray("4711\nquillstone\nelsewhere\n\n0000-another-start\n");
+    }
+
+    void aLockThatNobodyAnswersForIsNoDeadEnd()
+    {
+        QFETCH(const QByteArray, lock);
+        const QString folder = QSInfo::dataFolder().path();
+        writeFile(folder + u"/Quillstone.lock"_s, lock);
+        QSSingleInstance instance(folder);
+        QCOMPARE(instance.standing(), Standing::unsure);
+        QCOMPARE(contents(folder + u"/Quillstone.lock"_s), lock);
+        instance.takeOver();
+        QCOMPARE(instance.standing(), Standing::first);
+        QSignalSpy forward(&instance, &QSSingleInstance::broughtForward);
+        QCOMPARE(secondStart(folder), Standing::second);
+        QCOMPARE(forward.count(), 1);
+    }
+
+    void aCallerWithoutTheLineIsSentAway()
+    {
+        const QString folder = QSInfo::dataFolder().path();
+        const QSSingleInstance first(folder);
+        QSignalSpy forward(&first, &QSSingleInstance::broughtForward);
+        const QDir sockets(QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation));
+        const QFileInfoList found =
+            sockets.entryInfoList({u"quillstone-*"_s}, QDir::System, QDir::Time);
+        QVERIFY(!found.isEmpty());
+        QLocalSocket caller;
+        caller.connectToServer(found.constFirst().filePath());
+        QVERIFY(caller.waitForConnected());
+        caller.write(QByteArray(1'000'000, 'x'));
+        QTRY_COMPARE(caller.state(), QLocalSocket::UnconnectedState);
+        QCOMPARE(forward.count(), 0);
     }
 
 private:
+    using Standing = QSSingleInstance::Standing;
+
+    /// As another process would start: it waits while the first one goes on.
+    static Standing secondStart(const QString &folder)
+    {
+        auto standing = Standing::unsure;
+        std::unique_ptr<QThread> process(
+            QThread::create([&] { standing = QSSingleInstance(folder).standing(); }));
+        QSignalSpy ended(process.get(), &QThread::finished);
+        process->start();
+        ended.wait(20'000);
+        process->wait();
+        return standing;
+    }
+
     std::unique_ptr<ScratchUser> m_user;
 };
 
