@@ -15,7 +15,6 @@
 #include <QTimer>
 
 #include <algorithm>
-#include <chrono>
 #include <vector>
 
 using namespace Qt::Literals::StringLiterals;
@@ -31,9 +30,7 @@ AppModel::AppModel(QSDesktop &desktop, QObject *parent)
       m_selectedTemplateID(u"bill-of-sale-vehicle"_s),
       m_showDisclaimer(!QSPrefs::disclaimerAccepted() && !QSMutation::on(u"disclaimer-stays-away"))
 {
-    static constexpr std::chrono::seconds betweenDrafts{3};
     m_draftTimer.setSingleShot(true);
-    m_draftTimer.setInterval(betweenDrafts);
     connect(&m_draftTimer, &QTimer::timeout, this, &AppModel::keepDrafts);
     if (QSStore *open = store()) {
         connect(open, &QSStore::revisionChanged, this, [this] {

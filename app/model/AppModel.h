@@ -4,11 +4,13 @@
 #include "DocumentSession.h"
 #include "FormSession.h"
 #include "QSCache.h"
+#include "QSDrafts.h"
 #include "QSExport.h"
 #include "QSLinkChecker.h"
 #include "QSStatus.h"
 #include "Screen.h"
 
+#include <QElapsedTimer>
 #include <QMap>
 #include <QObject>
 #include <QString>
@@ -19,7 +21,6 @@
 #include <stop_token>
 
 class QSDesktop;
-struct FormDraft;
 struct QSEntry;
 struct QSTemplate;
 
@@ -206,8 +207,8 @@ public:
     void showFolder(const QString &path);
 
     // Drafts
-    /// Offers what the last run left unsaved, then keeps drafts of what is typed, every few
-    /// seconds.
+    /// Offers what the last run left unsaved, then keeps drafts of what is typed: soon after the
+    /// last key, and every three seconds while somebody types on.
     void startDrafts();
     /// Brings the drafts up to date at once. Does nothing before startDrafts().
     void keepDrafts();
@@ -249,6 +250,9 @@ Q_SIGNALS:
 
 private:
     enum class Answer { save, dontSave, cancel };
+    /// Whether drafts are kept: not before the last run's were offered, and not over one that could
+    /// neither be read nor set aside.
+    enum class Drafting { later, on, off };
     /// What runs in the background while the user waits.
     struct Work
     {
@@ -313,6 +317,13 @@ private:
     void keepFormDraft();
     void cannotDraft(const QSError &error);
     [[nodiscard]] bool askToReopen(const QString &name);
+    /// A draft of the last run; one that can't be read is set aside, with a message that says what
+    /// it was.
+    template <typename Draft>
+    std::optional<Draft> draft(QSDrafts::Kind kind, const QString &what,
+                               std::optional<Draft> (*read)());
+    void setAside(QSDrafts::Kind kind, const QString &what, const QString &why);
+    void beginDrafting();
     void offerProfileDraft();
     void offerDocumentDraft();
     /// Goes on with a form's draft that was read again, or puts it aside when it could not be.
@@ -351,7 +362,9 @@ private:
     std::stop_source m_check;   ///< ends the check of links that runs
     std::optional<QMap<QString, QString>> m_profileEdits;
     QTimer m_draftTimer;
-    bool m_drafting = false;                  ///< drafts are kept
+    QElapsedTimer m_undrafted; ///< since the first change that no draft has yet
+    Drafting m_drafting = Drafting::later;
+    bool m_keepingFormPDF = false;            ///< a worker writes it
     bool m_toldOfDrafts = false;              ///< that they can't be kept
     std::optional<QTemporaryDir> m_handedOut; ///< copies that other programs may take
     QUuid m_draftedForm;                      ///< the opening whose PDF is kept

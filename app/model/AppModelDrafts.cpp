@@ -8,6 +8,7 @@
 #include <QScopedValueRollback>
 
 #include <algorithm>
+#include <chrono>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -30,10 +31,9 @@ void AppModel::startDrafts()
 {
     offerProfileDraft();
     offerDocumentDraft();
-    const std::optional<FormDraft> form = QSDrafts::form();
+    const auto form = draft(QSDrafts::Kind::form, u"What was typed into a form"_s, QSDrafts::form);
     if (!form || !askToReopen(form->title)) {
-        m_drafting = true;
-        keepDrafts();
+        beginDrafting();
         return;
     }
     using Document = std::shared_ptr<QSPDFDocument>;
@@ -45,58 +45,86 @@ void AppModel::startDrafts()
         });
 }
 
+void AppModel::beginDrafting()
+{
+    if (m_drafting == Drafting::later) {
+        m_drafting = Drafting::on;
+        keepDrafts();
+    }
+}
+
+template <typename Draft>
+std::optional<Draft> AppModel::draft(QSDrafts::Kind kind, const QString &what,
+                                     std::optional<Draft> (*read)())
+{
+    try {
+        return read();
+    } catch (const QSError &error) {
+        setAside(kind, what, error.description());
+        return std::nullopt;
+    }
+}
+
+void AppModel::setAside(QSDrafts::Kind kind, const QString &what, const QString &why)
+{
+    try {
+        setMessage(u"%1 could not be opened again: %2 It is kept in %3"_s.arg(
+            what, why, QSDrafts::setAside(kind)));
+    } catch (const QSError &error) { // it is still where the next draft would be kept
+        m_drafting = Drafting::off;
+        cannotDraft(error);
+    }
+}
+
 void AppModel::formDraftOpened(const FormDraft &draft,
                                const AsyncTask::Outcome<std::shared_ptr<QSPDFDocument>> &opened,
                                const std::stop_source &stop)
 {
-    try {
-        if (!opened.result || !reopenForm(draft, *opened.result, stop)) {
-            const QString why =
-                opened.error ? opened.error->description() : m_message.value_or(QString());
-            setMessage(u"\"%1\" could not be opened again: %2 What was typed is in %3"_s.arg(
-                draft.title, why, QSDrafts::setFormAside()));
-        }
-        m_drafting = true;
-        keepDrafts();
-    } catch (const QSError &error) { // nothing may be kept over it
-        cannotDraft(error);
+    if (!opened.result || !reopenForm(draft, *opened.result, stop)) {
+        setAside(QSDrafts::Kind::form, u"What was typed into \"%1\""_s.arg(draft.title),
+                 opened.error ? opened.error->description() : m_message.value_or(QString()));
     }
+    beginDrafting();
 }
 
 bool AppModel::askToReopen(const QString &name)
 {
     const QScopedValueRollback asking(m_asking, true);
     return m_desktop.ask({u"\"%1\" was not saved when the program last ended."_s.arg(name),
-                          u"What was typed into it is still there."_s,
+                          u"What was typed into it is still there, except perhaps for the last "
+                          "few seconds."_s,
                           {u"Open It Again"_s, u"Delete It"_s},
                           0}) == 0;
 }
 
 void AppModel::offerProfileDraft()
 {
-    const std::optional<QMap<QString, QString>> draft = QSDrafts::profile();
-    if (draft && *draft != savedProfile()) {
-        m_profileEdits = draft;
-        setMessage(u"What was typed on the My Profile screen and not saved is still there."_s);
+    const auto kept = draft(QSDrafts::Kind::profile, u"What was typed on the My Profile screen"_s,
+                            QSDrafts::profile);
+    if (kept && *kept != savedProfile()) {
+        m_profileEdits = kept;
+        setMessage(u"What was typed on the My Profile screen and not saved is still there, except "
+                   "perhaps for the last few seconds."_s);
         Q_EMIT profileEdited();
     }
 }
 
 void AppModel::offerDocumentDraft()
 {
-    std::optional<QSDocument> draft = QSDrafts::document();
-    if (!draft) {
+    std::optional<QSDocument> kept =
+        draft(QSDrafts::Kind::document, u"What was typed into a document"_s, QSDrafts::document);
+    if (!kept) {
         return;
     }
     std::optional<QSDocument> saved;
-    if (draft->id) {
-        withStore([&](QSStore &open) { saved = open.document(*draft->id); });
+    if (kept->id) {
+        withStore([&](QSStore &open) { saved = open.document(*kept->id); });
     }
     if (!saved) {
-        draft->id.reset(); // its record is gone; saving makes another
+        kept->id.reset(); // its record is gone; saving makes another
     }
-    const DocumentSession session(*draft, saved.value_or(QSDocument()));
-    if (session.hasUnsavedChanges() && askToReopen(draft->title)) {
+    const DocumentSession session(*kept, saved.value_or(QSDocument()));
+    if (session.hasUnsavedChanges() && askToReopen(kept->title)) {
         m_editing = session;
         Q_EMIT editingChanged();
     }
@@ -135,15 +163,23 @@ bool AppModel::reopenForm(const FormDraft &draft, const std::shared_ptr<QSPDFDoc
 
 void AppModel::draftSoon()
 {
-    if (m_drafting && !m_draftTimer.isActive()) {
-        m_draftTimer.start();
+    static constexpr std::chrono::milliseconds pause{700};    // after the last key
+    static constexpr std::chrono::milliseconds longest{3000}; // while somebody types on
+    if (m_drafting != Drafting::on) {
+        return;
     }
+    if (!m_draftTimer.isActive()) {
+        m_undrafted.start();
+    }
+    const std::chrono::milliseconds left =
+        longest - std::chrono::milliseconds(m_undrafted.elapsed());
+    m_draftTimer.start(std::clamp(left, std::chrono::milliseconds(0), pause));
 }
 
 void AppModel::keepDrafts()
 {
     m_draftTimer.stop();
-    if (!m_drafting) {
+    if (m_drafting != Drafting::on) {
         return;
     }
     try {
@@ -178,6 +214,9 @@ void AppModel::keepFormDraft()
                             .values = form.document->values()});
         return;
     }
+    if (std::exchange(m_keepingFormPDF, true)) {
+        return; // done when that one is there
+    }
     // The file is made once, away from the main thread; after it only the values are written.
     AsyncTask::run<QUuid>(
         this,
@@ -186,6 +225,7 @@ void AppModel::keepFormDraft()
             return id;
         },
         [this](const AsyncTask::Outcome<QUuid> &kept) {
+            m_keepingFormPDF = false;
             if (kept.error) {
                 cannotDraft(*kept.error);
                 return;

@@ -30,12 +30,43 @@ std::optional<QJsonObject> kept(const QString &name)
     if (!QFile::exists(path(name))) {
         return std::nullopt;
     }
-    try {
-        const QJsonDocument json = QJsonDocument::fromJson(QSFile::read(path(name)));
-        return json.isObject() ? std::optional(json.object()) : std::nullopt;
-    } catch (const QSError &error) {
-        qWarning("%s: %s", qUtf8Printable(path(name)), error.what());
-        return std::nullopt;
+    QJsonParseError problem;
+    const QJsonDocument json = QJsonDocument::fromJson(QSFile::read(path(name)), &problem);
+    if (!json.isObject()) {
+        throw QSError::invalid(u"The draft is damaged (%1)."_s.arg(problem.errorString()));
+    }
+    return json.object();
+}
+
+QString baseName(QSDrafts::Kind kind)
+{
+    switch (kind) {
+    case QSDrafts::Kind::document:
+        return u"document"_s;
+    case QSDrafts::Kind::form:
+        return u"form"_s;
+    case QSDrafts::Kind::profile:
+        break;
+    }
+    return u"profile"_s;
+}
+
+/// A name of which no file is there, for a draft that is set aside.
+QString freeName(const QString &base)
+{
+    int number = 1;
+    const auto name = [&] { return u"%1 set aside %2"_s.arg(base).arg(number); };
+    while (QFile::exists(path(name() + u".json"_s)) || QFile::exists(path(name() + u".pdf"_s))) {
+        ++number;
+    }
+    return name();
+}
+
+void move(const QString &from, const QString &to)
+{
+    QFile file(path(from));
+    if (file.exists() && !file.rename(path(to))) {
+        throw QSError::io(file.errorString());
     }
 }
 
@@ -92,6 +123,21 @@ FormValue valueFrom(const QJsonObject &object)
 } // namespace
 
 namespace QSDrafts {
+QString setAside(Kind kind)
+{
+    const QString base = baseName(kind);
+    const QString aside = freeName(base);
+    // What was typed moves first: without it the PDF says nothing.
+    move(base + u".json"_s, aside + u".json"_s);
+    try {
+        move(base + u".pdf"_s, aside + u".pdf"_s);
+    } catch (const QSError &) {
+        move(aside + u".json"_s, base + u".json"_s);
+        throw;
+    }
+    return path(aside + u".json"_s);
+}
+
 void keepDocument(const QSDocument &document)
 {
     keep(documentFile, {{u"id"_s, toJSON(document.id)},
@@ -153,8 +199,11 @@ void keepForm(const FormDraft &form)
 std::optional<FormDraft> form()
 {
     const std::optional<QJsonObject> draft = kept(formFile);
-    if (!draft || !QFile::exists(formPDF())) {
+    if (!draft) {
         return std::nullopt;
+    }
+    if (!QFile::exists(formPDF())) {
+        throw QSError::invalid(u"The draft's PDF is missing."_s);
     }
     FormDraft form{.entryID = draft->value(u"entryID").toString(),
                    .title = draft->value(u"title").toString(),
@@ -164,24 +213,6 @@ std::optional<FormDraft> form()
         form.values.append(valueFrom(value.toObject()));
     }
     return form;
-}
-
-QString setFormAside()
-{
-    QString values;
-    QString pdf;
-    int number = 1;
-    do {
-        const QString name = path(u"form set aside %1"_s.arg(number++));
-        values = name + u".json"_s;
-        pdf = name + u".pdf"_s;
-    } while (QFile::exists(values) || QFile::exists(pdf));
-    QFile draft(path(formFile));
-    if (!draft.rename(values)) {
-        throw QSError::invalid(draft.errorString());
-    }
-    QFile::rename(formPDF(), pdf);
-    return values;
 }
 
 void dropForm()

@@ -24,8 +24,15 @@ struct FormDraft
 /// profile.
 ///
 /// The files are for their owner's eyes only. What is kept is written whole or not at all and
-/// throws QSError::invalid when that fails; what can't be read is absent.
+/// throws QSError::io when that fails. A draft is absent when there is none; one that is there and
+/// can't be read throws QSError, and stays until it is set aside or dropped.
 namespace QSDrafts {
+enum class Kind { document, form, profile };
+
+/// Moves a draft out of the way of the next one, under a name that nothing else has; returns the
+/// path of what was typed. Throws QSError::io with the draft still in its place.
+[[nodiscard]] QString setAside(Kind kind);
+
 void keepDocument(const QSDocument &document);
 [[nodiscard]] std::optional<QSDocument> document();
 void dropDocument();
@@ -35,11 +42,8 @@ void keepFormPDF(const QByteArray &pdf);
 /// Path of that PDF.
 [[nodiscard]] QString formPDF();
 void keepForm(const FormDraft &form);
-/// Absent without its PDF.
+/// Can't be read without its PDF.
 [[nodiscard]] std::optional<FormDraft> form();
-/// Moves the form's draft out of the way of the next one, under names that nothing else has;
-/// returns the path of what was typed. Throws QSError::invalid with the draft still in its place.
-[[nodiscard]] QString setFormAside();
 void dropForm();
 
 void keepProfile(const QMap<QString, QString> &profile);

@@ -4,9 +4,13 @@
 #include "QSError.h"
 #include "QSTemplates.h"
 #include "ScratchUser.h"
+#include "SmallDisk.h"
 #include "TestFiles.h"
 
 #include <QTest>
+#include <QTimer>
+
+#include <chrono>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -114,6 +118,65 @@ private Q_SLOTS:
         QVERIFY(m_model->message()->endsWith(QSInfo::draftsFolder().filePath(aside.first())));
         leaveAForm(); // the next one has its draft all the same
         QCOMPARE(drafts().size(), 4);
+    }
+
+    void aDamagedDraftIsSetAsideAndSaid_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::newRow("document") << u"document"_s;
+        QTest::newRow("profile") << u"profile"_s;
+        QTest::newRow("form") << u"form"_s;
+    }
+
+    void aDamagedDraftIsSetAsideAndSaid()
+    {
+        QFETCH(const QString, name);
+        const QByteArray damaged = "{\"values\": {\"tenant_name\": \"Ros";
+        writeFile(QSInfo::draftsFolder().filePath(name + u".json"_s), damaged);
+        crashAndStart();
+        const QString aside = name + u" set aside 1.json"_s;
+        QCOMPARE(drafts(), QStringList{aside});
+        const QString path = QSInfo::draftsFolder().filePath(aside);
+        QCOMPARE(contents(path), damaged);
+        QVERIFY2(m_model->message()->endsWith(path), qPrintable(*m_model->message()));
+    }
+
+    void whatCannotBeSetAsideStaysAndNothingIsKeptOverIt()
+    {
+        leaveAForm();
+        const QByteArray typed = contents(QSInfo::draftsFolder().filePath(u"form.json"_s));
+        QVERIFY(QFile::remove(QSDrafts::formPDF()));
+        // a folder of the PDF's name, which a full folder keeps from being moved
+        QVERIFY(QDir().mkpath(QSDrafts::formPDF()));
+        const SmallDisk inUse(QSDrafts::formPDF(), 64 * 1024);
+        if (!inUse.mounted()) {
+            QSKIP("This process may not mount a small file system");
+        }
+        m_desktop->answers = {openAgain};
+        crashAndStart();
+        QTRY_VERIFY(m_model->message());
+        QVERIFY2(m_model->message()->startsWith(u"What you type is in memory alone"),
+                 qPrintable(*m_model->message()));
+        m_model->setProfileValue(u"name"_s, u"Rosa"_s);
+        m_model->keepDrafts();
+        QCOMPARE(drafts(), QStringList{u"form.json"_s});
+        QCOMPARE(contents(QSInfo::draftsFolder().filePath(u"form.json"_s)), typed);
+    }
+
+    void draftsAreKeptWhileSomebodyTypesOnAndSoonAfter()
+    {
+        static constexpr std::chrono::milliseconds betweenKeys{300};
+        m_model->newDocument(*QSTemplates::templateById(u"rent-receipt"_s));
+        int keys = 0;
+        QTimer hand;
+        connect(&hand, &QTimer::timeout, this,
+                [&] { m_model->setEditedValue(key, QString::number(++keys)); });
+        hand.start(betweenKeys);
+        QTRY_VERIFY_WITH_TIMEOUT(QSDrafts::document(), 10'000);
+        QVERIFY(keys > 3); // not after each key
+        hand.stop();
+        m_model->setEditedValue(key, u"the last"_s);
+        QTRY_COMPARE_WITH_TIMEOUT(QSDrafts::document()->values.value(key), u"the last"_s, 2'500);
     }
 
     void aFormOpenedMeanwhileKeepsItsPlace()
