@@ -43,6 +43,28 @@ void write(const QString &path, const QByteArray &data)
     }
 }
 
+/// Moves a copy that somebody changed out of the way of the next one. Returns where it is now.
+QString keptAside(const QString &file)
+{
+    const QDir folder = QSInfo::cacheFolder();
+    const QFileInfo changed(file);
+    const auto place = [&](int number) {
+        return folder.filePath(u"Changed Here/%1 %2.%3"_s.arg(changed.completeBaseName())
+                                   .arg(number)
+                                   .arg(changed.suffix()));
+    };
+    folder.mkpath(u"Changed Here"_s);
+    int number = 1;
+    while (QFile::exists(place(number))) {
+        ++number;
+    }
+    QFile copy(file);
+    if (!copy.rename(place(number))) {
+        throw QSError::io(u"The form could not be saved: "_s + copy.errorString());
+    }
+    return place(number);
+}
+
 double seconds(const QDateTime &time)
 {
     return static_cast<double>(time.toMSecsSinceEpoch()) / 1000;
@@ -230,12 +252,17 @@ public:
                                .bytes = body.size(),
                                .contentType = response.header("content-type").value_or(QString()),
                                .updatedOnLastCheck = isNewer};
+        const QString file = QSCache::fileURL(m_entry);
+        QString aside;
         {
             const std::scoped_lock lock(folderMutex);
-            write(QSCache::fileURL(m_entry), body);
+            if (isNewer && m_copy->sha256 != m_copy->meta.sha256) {
+                aside =
+                    u" The copy that was changed on this computer is kept as "_s + keptAside(file);
+            }
+            write(file, body);
             record(meta);
         }
-        const QString file = QSCache::fileURL(m_entry);
         if (!m_copy) {
             return {file, meta, QSCache::Outcome::downloaded,
                     u"Downloaded from the official site just now."_s};
@@ -243,7 +270,8 @@ public:
         if (isNewer) {
             return {file, meta, QSCache::Outcome::updated,
                     u"The official site has a newer version of this form. The new version was "
-                    "downloaded and replaces the old copy."_s};
+                    "downloaded and replaces the old copy."_s +
+                        aside};
         }
         return {file, meta, QSCache::Outcome::unchanged, noNewerVersion};
     }

@@ -263,6 +263,25 @@ private Q_SLOTS:
         QCOMPARE(copyBytes(entry), "PK\3\4");
     }
 
+    void aCopyThatSomebodyChangedIsKeptAside()
+    {
+        const QSEntry entry = formEntry(QSKind::document);
+        const QByteArray filledIn = "PK\3\4 Rosa";
+        m_server->answer(address, {Answer::pdf("PK\3\4")});
+        QCOMPARE(open(entry).said, u"Downloaded from the official site just now."_s);
+        for (const QString &number : {u"1"_s, u"2"_s}) {
+            writeFile(QSCache::fileURL(entry), filledIn);
+            const QString said = open(entry).said;
+            const QString kept =
+                QSInfo::cacheFolder().filePath(u"Changed Here/co-answer %1.docx"_s.arg(number));
+            QVERIFY2(said.endsWith(kept), qPrintable(said));
+            QCOMPARE(contents(kept), filledIn);
+            QCOMPARE(copyBytes(entry), "PK\3\4");
+        }
+        QSCache::clear();
+        QCOMPARE(QDir(QSInfo::cacheFolder().filePath(u"Changed Here"_s)).count(), 2U + 2U);
+    }
+
     void aRecordThatDoesNotReadCountsAsNoCopy_data()
     {
         QTest::addColumn<QByteArray>("from");
