@@ -135,9 +135,9 @@ public:
     }
     void selectEntry(const QString &id);
     /// Opens a form: in the browser where it is no file, else its copy, fetched if need be, in the
-    /// form window (a Word document in the desktop's own program). The form that is open stays
-    /// until then. Of two forms opened one after the other, the later one is shown; one that is on
-    /// its way already goes on.
+    /// form window (of a Word document the person's own copy, in the desktop's program). The form
+    /// that is open stays until then. Of two forms opened one after the other, the later one is
+    /// shown; one that is on its way already goes on.
     void open(const QSEntry &entry);
     /// Asks the form's site whether there is a newer version.
     void recheck(const QSEntry &entry);
@@ -287,6 +287,10 @@ private:
     void dropForm();
     void openCopy(const QSEntry &entry, const QSCache::Result &copy,
                   const std::shared_ptr<QSPDFDocument> &document, const QString &problem);
+    /// Opens the person's own copy of a Word form in the desktop's program; the agency's file is
+    /// not for changing.
+    void openWordCopy(const QString &title, const QSCache::Result &official);
+    [[nodiscard]] bool prefersOwnCopy(const QString &title, const QString &path);
     void linksChecked(const QList<QSLinkChecker::Check> &checks);
     /// Makes a file in the background, then asks where to put it; the message when it can't be
     /// made.

@@ -1,5 +1,6 @@
 #include "AppModel.h"
 
+#include "OwnCopy.h"
 #include "QSClock.h"
 #include "QSDate.h"
 #include "QSDesktop.h"
@@ -124,11 +125,37 @@ void AppModel::openCopy(const QSEntry &entry, const QSCache::Result &copy,
                      .status = copy.message});
     } else if (entry.kind == QSKind::pdf) {
         setMessage(u"The downloaded file could not be opened as a PDF. "_s + problem);
-    } else if (m_desktop.openFile(copy.file)) {
-        setMessage(copy.message);
     } else {
-        setMessage(u"No program here opens Word documents. The form is at %1"_s.arg(copy.file));
+        openWordCopy(entry.displayTitle(), copy);
     }
+}
+
+void AppModel::openWordCopy(const QString &title, const QSCache::Result &official)
+{
+    try {
+        const std::optional<QString> mine = OwnCopy::latest(title);
+        const bool openMine =
+            mine && (OwnCopy::isUnchanged(*mine, official.file) || prefersOwnCopy(title, *mine));
+        const QString path = openMine ? *mine : OwnCopy::make(title, official.file);
+        if (m_desktop.openFile(path)) {
+            setMessage(u"%1 Your copy of it is %2"_s.arg(official.message, path));
+        } else {
+            setMessage(u"No program here opens Word documents. The form is at %1"_s.arg(path));
+        }
+    } catch (const QSError &error) {
+        setMessage(u"No copy of the form could be made for you: "_s + error.description());
+    }
+}
+
+bool AppModel::prefersOwnCopy(const QString &title, const QString &path)
+{
+    const QScopedValueRollback asking(m_asking, true);
+    return m_desktop.ask(
+               {u"You have a copy of \"%1\" that differs from the official file."_s.arg(title),
+                u"It is %1. It was changed, or the official file was. A new copy gets a name of "
+                "its own; yours stays as it is."_s.arg(path),
+                {u"Open My Copy"_s, u"Open a New Copy"_s},
+                0}) == 0;
 }
 
 void AppModel::recheck(const QSEntry &entry)

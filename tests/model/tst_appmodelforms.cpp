@@ -1,4 +1,5 @@
 #include "AgencyServer.h"
+#include "DocumentsFolder.h"
 #include "ModelFixture.h"
 #include "QSCache.h"
 #include "QSDirectory.h"
@@ -48,6 +49,42 @@ private Q_SLOTS:
 
     void init() { beginModel(); }
     void cleanup() { endModel(); }
+
+    void whatIsWrittenIntoAWordFormIsNeverReplaced()
+    {
+        const DocumentsFolder documents;
+        QSEntry word = w9();
+        word.kind = QSKind::document;
+        const QString folder = documents.path() + u"/Vell Quillstone/"_s;
+        const QString name = QSExport::safeFileName(word.displayTitle());
+        const auto openWord = [&](const QByteArray &official) {
+            m_agencies->answer(word.url, {Answer::pdf(official)});
+            QSCache::clear();
+            const qsizetype before = m_desktop->openedFiles.size();
+            m_model->open(word);
+            QTRY_COMPARE(m_desktop->openedFiles.size(), before + 1);
+        };
+        const auto opened = [this] { return m_desktop->openedFiles.constLast(); };
+        openWord("PK first");
+        const QString first = opened();
+        QCOMPARE(first, folder + name + u".docx"_s);
+        QVERIFY(m_model->message()->endsWith(first));
+        openWord("PK first");
+        QCOMPARE(opened(), first); // as it came: the same again
+
+        writeFile(first, "PK first, filled in");
+        m_desktop->answers = {0}; // open mine
+        openWord("PK second");
+        QCOMPARE(opened(), first);
+        m_desktop->answers = {1}; // a new copy
+        openWord("PK second");
+        const QString second = opened();
+        QCOMPARE(second, folder + name + u" 2.docx"_s);
+        QCOMPARE(contents(second), "PK second");
+        QCOMPARE(contents(first), "PK first, filled in");
+        openWord("PK second");
+        QCOMPARE(opened(), second);
+    }
 
     void aFormIsFetchedFilledSavedAndFoundAgain()
     {

@@ -1,3 +1,4 @@
+#include "DocumentsFolder.h"
 #include "QSCache.h"
 #include "QSDirectory.h"
 #include "QSPDF.h"
@@ -250,6 +251,7 @@ private Q_SLOTS:
         QFETCH(const QString, way);
         QFETCH(const QString, label);
         const bool downloads = way != u"browser"_s;
+        const DocumentsFolder documents;
         if (downloads) {
             saveCopy(entry(id), QSPDF::practiceForm());
         }
