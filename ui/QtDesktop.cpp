@@ -14,7 +14,6 @@
 #include <QPageLayout>
 #include <QPrintDialog>
 #include <QPrinter>
-#include <QProgressDialog>
 #include <QPushButton>
 #include <QStandardPaths>
 
@@ -148,13 +147,9 @@ void QtDesktop::printPDF(const QSPDFDocument &document, const QString &title)
     if (dialog.exec() != QDialog::Accepted) {
         return;
     }
-    QProgressDialog wait(u"Printing \"%1\"\u2026"_s.arg(title), u"Cancel"_s, 0, 1, window());
-    wait.setWindowModality(Qt::ApplicationModal);
-    FormPrint::print(document, printer, [&wait](int done, int all) {
-        wait.setMaximum(all);
-        wait.setValue(done);
-        return !wait.wasCanceled();
-    });
+    FormPrint::inBackground(
+        [&](const FormPrint::Progress &progress) { FormPrint::print(document, printer, progress); },
+        title, window());
 }
 
 bool QtDesktop::showInFolder(const QString &path)

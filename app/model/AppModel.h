@@ -13,6 +13,8 @@
 #include <QElapsedTimer>
 #include <QMap>
 #include <QObject>
+#include <QScopeGuard>
+#include <QScopedValueRollback>
 #include <QString>
 #include <QTemporaryDir>
 #include <QTimer>
@@ -275,6 +277,10 @@ private:
     void runBusy(const QString &text, const std::stop_source &stop,
                  std::function<Result(const AsyncTask::Progress &)> work,
                  std::function<void(const AsyncTask::Outcome<Result> &)> done);
+    /// Runs work that the next step needs at once, on a thread of its own. Until it is done the
+    /// window answers, but nothing is asked and nothing unsaved is closed.
+    template <typename Result>
+    Result waitBusy(const QString &text, const std::function<Result()> &work);
     /// Puts an action off until no question or panel stands open.
     void whenNothingIsAsked(const std::function<void()> &action);
     void dropEdited();
@@ -302,6 +308,7 @@ private:
     /// Opens a filled copy's file in the background; the message when that fails.
     void loadFilledPDF(const QSFilledPDF &record,
                        const std::function<void(const std::shared_ptr<QSPDFDocument> &)> &loaded);
+    void printPages(const QSPDFDocument &pages, const QString &title);
     void printPDF(const std::shared_ptr<QSPDFDocument> &document, const QString &title);
     /// Makes a form's flattened copy in the background and uses it; where answers are not whole on
     /// it, only if the user wants that all the same. anyway: the button that says so.
@@ -353,6 +360,7 @@ private:
     bool m_showDisclaimer;
     bool m_asking = false;    ///< a question or panel of ours stands open
     bool m_exporting = false; ///< a file is being made
+    bool m_saving = false;    ///< the open form's filled copy is being made
     std::optional<DocumentSession> m_editing;
     std::optional<FormSession> m_openPDF;
     std::optional<QSCategory> m_formCategory;
@@ -393,6 +401,21 @@ void AppModel::runBusy(const QString &text, const std::stop_source &stop,
             m_works[number].progress = {part, of};
             Q_EMIT busyChanged();
         });
+}
+
+template <typename Result>
+Result AppModel::waitBusy(const QString &text, const std::function<Result()> &work)
+{
+    const int number = ++m_lastWork;
+    const QScopedValueRollback asking(m_asking, true);
+    m_works.insert(number,
+                   {.text = text, .stop = std::stop_source(std::nostopstate), .progress = {}});
+    Q_EMIT busyChanged();
+    const auto done = qScopeGuard([this, number] {
+        m_works.remove(number);
+        Q_EMIT busyChanged();
+    });
+    return AsyncTask::wait<Result>(work);
 }
 
 template <typename Action>

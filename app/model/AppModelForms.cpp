@@ -36,6 +36,20 @@ Fetched fetchForm(const QSEntry &entry, const std::stop_token &stop)
     }
     return form;
 }
+
+QSFilledPDF keepCopy(QSStore &store, const FormSession &session, const QByteArray &bytes)
+{
+    const QString title = session.titleToSave();
+    try {
+        return store.saveFilledPDF(session.entryID(), title, bytes, session.form().saved);
+    } catch (const QSError &error) {
+        if (error.errorCase() != QSError::Case::notFound) {
+            throw;
+        }
+        // Its copy was deleted while it was open: what is typed here is kept all the same.
+        return store.saveFilledPDF(session.entryID(), title, bytes);
+    }
+}
 } // namespace
 
 // Official forms
@@ -347,30 +361,25 @@ void AppModel::setFormValue(int id, const FormValue &value)
 bool AppModel::saveForm()
 {
     Q_EMIT editsWanted();
-    if (!m_openPDF) {
+    if (!m_openPDF || m_saving) {
         return false;
     }
-    const bool done = withStore([this](QSStore &open) {
-        const QList<FormValue> values = m_openPDF->document().values();
-        const QByteArray bytes = m_openPDF->document().bytes();
-        const QString title = m_openPDF->titleToSave();
-        QSFilledPDF record;
-        try {
-            record =
-                open.saveFilledPDF(m_openPDF->entryID(), title, bytes, m_openPDF->form().saved);
-        } catch (const QSError &error) {
-            if (error.errorCase() != QSError::Case::notFound) {
-                throw;
-            }
-            // Its copy was deleted while it was open: what is typed here is kept all the same.
-            record = open.saveFilledPDF(m_openPDF->entryID(), title, bytes);
-        }
+    const QScopedValueRollback saving(m_saving, true);
+    const FormSession session = *m_openPDF; // typing goes on while its file is made
+    const QList<FormValue> values = session.document().values();
+    QByteArray bytes;
+    QSFilledPDF record;
+    const bool done = withStore([&](QSStore &) {
+                          bytes = waitBusy<QByteArray>(
+                              u"Saving \"%1\"\u2026"_s.arg(session.titleToSave()),
+                              [document = session.form().document] { return document->bytes(); });
+                      }) &&
+                      withStore([&](QSStore &open) { record = keepCopy(open, session, bytes); });
+    if (done && m_openPDF && m_openPDF->form().id == session.form().id) {
         m_openPDF->saved(record, values);
         m_openPDF->setStatus(u"Saved "_s + QSDate::stamp(record.modified));
-    });
-    if (done) {
         keepDrafts();
-        setMessage(u"Saved to My Documents as \"%1\"."_s.arg(m_openPDF->form().saved->title));
+        setMessage(u"Saved to My Documents as \"%1\"."_s.arg(record.title));
         Q_EMIT formChanged();
     }
     return done;
@@ -454,28 +463,32 @@ void AppModel::printForm()
     }
 }
 
+void AppModel::printPages(const QSPDFDocument &pages, const QString &title)
+{
+    const QScopedValueRollback asking(m_asking, true);
+    m_desktop.printPDF(pages, title);
+}
+
 void AppModel::printPDF(const std::shared_ptr<QSPDFDocument> &document, const QString &title)
 {
-    const auto print = [this, title](const QSPDFDocument &pages) {
-        const QScopedValueRollback asking(m_asking, true);
+    using Pages = std::shared_ptr<QSPDFDocument>;
+    const auto print = [this, title](const std::function<Pages()> &pages) {
         try {
-            m_desktop.printPDF(pages, title);
+            printPages(*pages(), title);
         } catch (const QSError &error) {
             setMessage(error.description());
         }
     };
     if (document->fields().isEmpty()) {
-        print(*document);
+        print([document] { return document; });
         return;
     }
-    withFlatCopy(document, u"Preparing \"%1\" for the printer\u2026"_s.arg(title),
-                 u"Print Anyway"_s, [this, print](const QByteArray &flat) {
-                     try {
-                         print(*QSPDFDocument::open(flat));
-                     } catch (const QSError &error) {
-                         setMessage(error.description());
-                     }
-                 });
+    const QString work = u"Preparing \"%1\" for the printer\u2026"_s.arg(title);
+    withFlatCopy(document, work, u"Print Anyway"_s, [=, this](const QByteArray &flat) {
+        print([=, this] {
+            return waitBusy<Pages>(work, [flat] { return QSPDFDocument::open(flat); });
+        });
+    });
 }
 
 bool AppModel::closeForm()

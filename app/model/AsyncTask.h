@@ -2,11 +2,14 @@
 
 #include "QSError.h"
 
+#include <QEventLoop>
 #include <QFutureWatcher>
 #include <QObject>
 #include <QPromise>
+#include <QThread>
 #include <QThreadPool>
 
+#include <exception>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -73,5 +76,31 @@ void run(QObject *context, std::function<Result()> work,
 {
     run<Result>(context, [work = std::move(work)](const Progress &) { return work(); },
                 std::move(done), {});
+}
+
+/// Runs the work on a thread of its own, whatever the pool is busy with, and returns what it gives
+/// or throws what it throws. The events of this thread go on meanwhile, as they do while a question
+/// stands open: what they may not begin has to be kept from them.
+template <typename Result>
+Result wait(const std::function<Result()> &work)
+{
+    std::optional<Result> result;
+    std::exception_ptr error;
+    const std::unique_ptr<QThread> thread(QThread::create([&] {
+        try {
+            result.emplace(work());
+        } catch (...) {
+            error = std::current_exception();
+        }
+    }));
+    QEventLoop events;
+    QObject::connect(thread.get(), &QThread::finished, &events, &QEventLoop::quit);
+    thread->start();
+    events.exec(); // the end of the program ends it before the work is done
+    thread->wait();
+    if (error) {
+        std::rethrow_exception(error);
+    }
+    return std::move(*result);
 }
 } // namespace AsyncTask

@@ -9,6 +9,7 @@
 #include <QSignalSpy>
 #include <QTest>
 #include <QThreadPool>
+#include <QTimer>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -49,6 +50,33 @@ private Q_SLOTS:
 
     void init() { beginModel(); }
     void cleanup() { endModel(); }
+
+    void typingGoesOnWhileAFormIsSaved()
+    {
+        const auto type = [this](const QString &text) {
+            m_model->setFormValue(0, {.text = text, .on = false, .chosen = {}});
+        };
+        m_model->openPractice();
+        type(u"Rosa"_s);
+        bool meanwhile = false;
+        QTimer::singleShot(0, m_model.get(), [&] {
+            meanwhile = true;
+            QVERIFY(m_model->busy());
+            QVERIFY(!m_model->saveForm()); // one after the other
+            QVERIFY(!m_model->closeForm());
+            QVERIFY(!m_model->closeEverything());
+            type(u"Rosa Delgado"_s);
+        });
+        QVERIFY(m_model->saveForm());
+        QVERIFY(meanwhile);
+        QVERIFY(m_desktop->questions.isEmpty());
+        QVERIFY(!m_model->busy());
+        QVERIFY(m_model->openPDF()->hasUnsavedChanges());
+        QVERIFY(m_model->saveForm());
+        QVERIFY(!m_model->openPDF()->hasUnsavedChanges());
+        QCOMPARE(m_model->filledPDFs()->size(), 1);
+        QVERIFY(m_model->closeForm());
+    }
 
     void whatIsWrittenIntoAWordFormIsNeverReplaced()
     {

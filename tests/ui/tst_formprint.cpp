@@ -3,10 +3,18 @@
 #include "TestFiles.h"
 #include "formwindow/FormPrint.h"
 
+#include <QApplication>
 #include <QDir>
 #include <QPrinter>
+#include <QProgressDialog>
+#include <QPushButton>
+#include <QThread>
+#include <QTimer>
+
+#include <chrono>
 
 using namespace Qt::Literals::StringLiterals;
+using namespace std::chrono_literals;
 
 namespace {
 /// Three pages of different sizes, one of them lying, the second with a text field.
@@ -173,6 +181,49 @@ private Q_SLOTS:
         QCOMPARE(told, 4);
         QCOMPARE(paper->pageCount(), 4);
         QVERIFY(paper->pageSize(0).width() > paper->pageSize(0).height());
+    }
+
+    void theWindowsAnswerWhileAFormIsDrawn()
+    {
+        const auto printer = fileFor({});
+        int beats = 0;
+        QTimer heart;
+        connect(&heart, &QTimer::timeout, this, [&beats] { ++beats; });
+        heart.start(1ms);
+        FormPrint::inBackground(
+            [&](const FormPrint::Progress &progress) {
+                FormPrint::draw(*m_document, *printer, progress);
+            },
+            u"Test form"_s, nullptr);
+        QVERIFY(beats > 3);
+        QCOMPARE(QSPDFDocument::open(contents(printer->outputFileName()))->pageCount(), 3);
+    }
+
+    void theDialogStopsWhatIsDrawn()
+    {
+        QTimer hand;
+        connect(&hand, &QTimer::timeout, this, [] {
+            if (auto *dialog = qobject_cast<QProgressDialog *>(QApplication::activeModalWidget())) {
+                dialog->findChild<QPushButton *>()->click();
+            }
+        });
+        hand.start(10ms);
+        int sheets = 0;
+        FormPrint::inBackground(
+            [&sheets](const FormPrint::Progress &progress) {
+                while (progress(++sheets, 1'000'000)) {
+                    QThread::yieldCurrentThread();
+                }
+            },
+            u"Test form"_s, nullptr);
+        QVERIFY(sheets < 1'000'000);
+        // what fails there is said here
+        QCOMPARE(sentence([] {
+                     FormPrint::inBackground(
+                         [](const auto &) { throw QSError::invalid(u"No paper."_s); },
+                         u"Test form"_s, nullptr);
+                 }),
+                 u"No paper."_s);
     }
 
 private:

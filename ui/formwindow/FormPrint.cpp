@@ -1,13 +1,16 @@
 #include "FormPrint.h"
 
+#include "AsyncTask.h"
 #include "QSError.h"
 #include "QSFile.h"
 #include "QSPDF.h"
 
 #include <QPainter>
 #include <QPrinter>
+#include <QProgressDialog>
 
 #include <algorithm>
+#include <atomic>
 #include <cmath>
 
 using namespace Qt::Literals::StringLiterals;
@@ -152,5 +155,32 @@ void draw(const QSPDFDocument &document, QPrinter &printer, const Progress &prog
     } else { // which has been read back, and is without what only the screen is to show
         drawPages(*QSPDFDocument::open(QSPDF::flatten(document)), printer, progress);
     }
+}
+
+void inBackground(const std::function<void(const Progress &)> &work, const QString &title,
+                  QWidget *window)
+{
+    static constexpr int soon = 300; // ms, after which a dialog does not only flash up
+    QProgressDialog dialog(u"Printing \"%1\"\u2026"_s.arg(title), u"Stop"_s, 0, 0, window);
+    dialog.setWindowModality(Qt::ApplicationModal);
+    dialog.setMinimumDuration(soon);
+    dialog.setAutoClose(false);
+    std::atomic_bool stopped = false;
+    QObject::connect(&dialog, &QProgressDialog::canceled, &dialog, [&stopped] { stopped = true; });
+    const auto progress = [&](int done, int all) {
+        QMetaObject::invokeMethod(
+            &dialog,
+            [&dialog, done, all] {
+                dialog.setMaximum(all);
+                dialog.setValue(done);
+            },
+            Qt::QueuedConnection);
+        return !stopped;
+    };
+    dialog.setValue(0); // it counts from here
+    AsyncTask::wait<bool>([&] {
+        work(progress);
+        return true;
+    });
 }
 } // namespace FormPrint

@@ -7,8 +7,10 @@
 
 class QPrinter;
 class QSPDFDocument;
+class QWidget;
 
-/// A form on paper: its pages with what is typed into them. Main thread.
+/// A form on paper: its pages with what is typed into them. Any thread, and nobody else may touch
+/// the printer meanwhile.
 namespace FormPrint {
 /// Told after each page how many are done, of how many; false stops.
 using Progress = std::function<bool(int done, int all)>;
@@ -22,4 +24,8 @@ void print(const QSPDFDocument &document, QPrinter &printer, const Progress &pro
 /// smaller where the sheet is too small for it. The sheet turns with the page. Throws as print()
 /// does.
 void draw(const QSPDFDocument &document, QPrinter &printer, const Progress &progress = {});
+/// Does either on a thread of its own, while the program's windows answer and a dialog over this
+/// one tells how it gets on and offers to stop. Main thread; returns when it is done.
+void inBackground(const std::function<void(const Progress &)> &work, const QString &title,
+                  QWidget *window);
 } // namespace FormPrint
