@@ -69,9 +69,9 @@ int runSetAside(Checks checks)
 namespace QSSelfTest {
 int run()
 {
-    QSMutation::arm();
     printHeader(u"self-test"_s, mutations());
     return runSetAside([](QSTestRun &run) {
+        QSMutation::arm();
         QSSetup::configure();
         runGroups(run);
     });

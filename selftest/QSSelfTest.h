@@ -25,7 +25,8 @@ inline const QString readFlag = QStringLiteral("--qs-child-read");
 /// Whether the arguments hold a child flag with a path behind it.
 [[nodiscard]] bool isChild(const QStringList &arguments);
 /// Writes the sample into the database at the path behind the write flag, or reads it behind the
-/// read flag, and prints the database's digest; filled PDFs lie beside it. 0 when that was done, 3
+/// read flag, and prints the database's digest; filled PDFs lie beside it. Its folder is made for
+/// it; one that was there already and that no child made is left alone. 0 when that was done, 3
 /// when the database can't be opened, 4 when writing failed; absent when there is no child flag.
 [[nodiscard]] std::optional<int> handleChild(const QStringList &arguments);
 } // namespace QSSelfTest

@@ -1,13 +1,18 @@
 #include "QSError.h"
+#include "QSFile.h"
 #include "QSInfo.h"
 #include "QSMutation.h"
 #include "QSSelfTest.h"
 #include "QSStore.h"
 #include "Sample.h"
 
+#include <QDir>
 #include <QFileInfo>
 
+#include <cerrno>
 #include <cstdio>
+
+#include <sys/stat.h>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -48,12 +53,33 @@ int read(QSStore &store)
     return done;
 }
 
+/// Makes the folder and marks it, so that a later child knows it again. Throws for a folder that
+/// was there without the mark: what is in it is somebody's.
+void claim(const QDir &folder)
+{
+    const QString mark = folder.filePath(u".quillstone-selftest"_s);
+    if (QFileInfo::exists(mark)) {
+        return;
+    }
+    QDir().mkpath(QFileInfo(folder.path()).path());
+    if (::mkdir(QFile::encodeName(folder.path()).constData(), S_IRWXU) != 0) {
+        throw errno == EEXIST
+            ? QSError::invalid(u"The folder %1 is not the self-test's."_s.arg(folder.path()))
+            : QSError::io(u"The folder %1 could not be made: %2"_s.arg(folder.path(),
+                                                                       qt_error_string(errno)));
+    }
+    QSFile::write(mark, {});
+}
+
 int onStore(const QString &path, int (*work)(QSStore &))
 {
-    QSMutation::arm();
     const QFileInfo file(path);
-    QSInfo::setDataFolderOverride(file.absolutePath());
+    // The folder that a link leads to, for that is where the database would be changed.
+    const QString folder = file.exists() ? file.canonicalPath() : file.absolutePath();
     try {
+        claim(folder);
+        QSMutation::arm();
+        QSInfo::setDataFolderOverride(folder);
         QSStore store(QUrl::fromLocalFile(file.absoluteFilePath()), QSStore::Indexing::later);
         return work(store);
     } catch (const QSError &error) {

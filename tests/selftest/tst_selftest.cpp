@@ -57,7 +57,8 @@ private Q_SLOTS:
 
     void childrenWriteAndRead()
     {
-        const QString path = folder(u"child"_s) + u"/Quillstone.sqlite"_s;
+        const QString child = newFolder();
+        const QString path = child + u"/Quillstone.sqlite"_s;
         const Ended written = run({u"--qs-child-write"_s, path});
         QCOMPARE(written.status, 0);
         QVERIFY(
@@ -67,28 +68,48 @@ private Q_SLOTS:
         QCOMPARE(read.output, u"DOCS|1|PDFS|1|NAME|Jordan Q. Sample\n"_s + written.output);
 
         // the digest is of the files, too
-        const QDir filled(folder(u"child/Filled PDFs"_s));
+        QDir filled(child + u"/Filled PDFs"_s);
         writeFile(filled.filePath(filled.entryList(QDir::Files).value(0)), "%PDF another");
         QVERIFY(!run({u"--qs-child-read"_s, path}).output.contains(written.output));
+
+        QVERIFY(filled.removeRecursively());
+        writeFile(filled.path(), "in the way");
+        const Ended refused = run({u"--qs-child-write"_s, path});
+        QCOMPARE(refused.status, 4);
+        QVERIFY(refused.output.startsWith(u"ERROR|The PDF could not be saved: "_s));
     }
 
-    void whatChildrenCanNotDoIsAStatus()
+    void childrenLeaveAFolderThatIsNotTheirsAlone()
     {
-        const QString blocker = folder(u"data"_s) + u"/file"_s;
-        writeFile(blocker, "no database, and no folder");
+        // somebody's database
+        const QString child = newFolder();
+        QCOMPARE(run({u"--qs-child-write"_s, child + u"/Quillstone.sqlite"_s}).status, 0);
+        const QString path = folder(u"data"_s) + u"/Quillstone.sqlite"_s;
+        QVERIFY(QFile::copy(child + u"/Quillstone.sqlite"_s, path));
+        QVERIFY(QFile::link(path, child + u"/link.sqlite"_s));
+        const QString blocker = folder(u"empty"_s) + u"/file"_s;
+        writeFile(blocker, "no folder");
+        m_environment.insert(u"QS_SELFTEST_MUTATE"_s,
+                             u"opening-forgets-documents,opening-forgets-profile"_s);
+        const QMap<QString, QByteArray> before = tree(m_home->path());
         for (const QString &flag : {u"--qs-child-write"_s, u"--qs-child-read"_s}) {
-            for (const QString &path : {blocker, blocker + u"/below/Quillstone.sqlite"_s}) {
-                const Ended ended = run({flag, path});
+            for (const QString &refused :
+                 {path, folder(u"data"_s) + u"/new.sqlite"_s, child + u"/link.sqlite"_s,
+                  blocker + u"/below/Quillstone.sqlite"_s}) {
+                const Ended ended = run({flag, refused});
                 QCOMPARE(ended.status, 3);
+                QCOMPARE(ended.output, QString());
                 QVERIFY2(ended.errors.contains(u"can't be used: "_s), qPrintable(ended.errors));
             }
         }
-        writeFile(folder(u"child"_s) + u"/Filled PDFs"_s, "in the way");
-        const Ended ended =
-            run({u"--qs-child-write"_s, folder(u"child"_s) + u"/Quillstone.sqlite"_s});
-        QCOMPARE(ended.status, 4);
-        QVERIFY(ended.output.startsWith(u"ERROR|The PDF could not be saved: "_s));
+        QCOMPARE(tree(m_home->path()), before);
+        QVERIFY(run({u"--qs-child-read"_s, child + u"/Quillstone.sqlite"_s})
+                    .output.startsWith(u"DOCS|0|"_s)); // the faults were there to happen
     }
+
+private:
+    /// Path of a folder that is not there yet.
+    [[nodiscard]] QString newFolder() const { return m_home->filePath(u"child"_s); }
 };
 
 QTEST_GUILESS_MAIN(TestSelfTest)

@@ -37,6 +37,20 @@ private Q_SLOTS:
         third.waitForFinished(20000);
     }
 
+    void aStartKnowsNoFaultsWhateverTheEnvironmentSays()
+    {
+        QCOMPARE(run({u"--qs-child-write"_s, database()}).status, 0); // something to lose
+        m_environment.insert(u"QS_SELFTEST_MUTATE"_s, u"opening-forgets-documents"_s);
+        QProcess running;
+        start(running);
+        // The folder of the drafts comes after all that opens the database.
+        QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(dataFolder() + u"/Drafts"_s), 20000);
+        running.terminate();
+        QVERIFY(running.waitForFinished(20000));
+        m_environment.remove(u"QS_SELFTEST_MUTATE"_s);
+        QVERIFY(run({u"--qs-child-read"_s, database()}).output.startsWith(u"DOCS|1|PDFS|1|"_s));
+    }
+
     void dataIsForItsOwnerAlone()
     {
         QProcess running;
