@@ -1,6 +1,7 @@
 #include "QSDatabaseFile.h"
 
 #include "QSError.h"
+#include "QSInfo.h"
 #include "QSMutation.h"
 #include "SQLiteDB.h"
 
@@ -19,6 +20,20 @@ constexpr QFileDevice::Permissions ownerOnly = QFileDevice::ReadOwner | QFileDev
 /// What SQLite puts behind the database's name for the files that belong to it.
 constexpr std::array journalSuffixes = {"-wal"_L1, "-journal"_L1};
 
+/// The part of a database's first page in which it says what it is.
+constexpr qsizetype stampSize = 100;
+
+qint64 versionIn(const char *page)
+{
+    constexpr qsizetype offset = 60;
+    return qFromBigEndian<qint32>(page + offset);
+}
+
+bool isNewer(qint64 version)
+{
+    return version > QSDatabaseFile::schemaVersion;
+}
+
 /// The application id that a whole header names. Throws when it is no header of SQLite's, with the
 /// text that SQLite has for it.
 qint64 headerID(const QByteArray &header)
@@ -35,6 +50,35 @@ QSError foreign()
     return QSError::invalid(u"This file is not a Vell Quillstone database."_s);
 }
 
+/// Whether a page that waits in the -wal has the version of a newer program. It may be one that was
+/// never committed: only SQLite can tell.
+bool newerIsWaiting(const QString &path)
+{
+    constexpr qsizetype headerSize = 32;
+    constexpr qsizetype pageSizeOffset = 8;
+    constexpr qsizetype frameHeaderSize = 24;
+    QFile wal(path + u"-wal"_s);
+    if (!wal.open(QIODevice::ReadOnly)) {
+        return false;
+    }
+    const QByteArray header = wal.read(headerSize);
+    if (header.size() < headerSize) {
+        return false;
+    }
+    const auto pageSize = qFromBigEndian<quint32>(header.constData() + pageSizeOffset);
+    for (qint64 at = headerSize; wal.seek(at); at += frameHeaderSize + pageSize) {
+        const QByteArray frame = wal.read(frameHeaderSize + stampSize);
+        if (frame.size() < frameHeaderSize + stampSize) {
+            return false;
+        }
+        const char *page = frame.constData() + frameHeaderSize;
+        if (qFromBigEndian<quint32>(frame.constData()) == 1 && isNewer(versionIn(page))) {
+            return true;
+        }
+    }
+    return false;
+}
+
 void copyTo(const QString &from, const QString &to)
 {
     QFile file(from);
@@ -44,7 +88,7 @@ void copyTo(const QString &from, const QString &to)
     QFile::setPermissions(to, ownerOnly);
 }
 
-/// Throws unless the database without an application id is empty or has our tables. Looks at a
+/// Throws unless the database is one that this version can open, or has no tables yet. Looks at a
 /// copy: even to read, SQLite would make files beside the original, replay its journals or clear
 /// them away.
 void examine(const QString &path)
@@ -62,13 +106,17 @@ void examine(const QString &path)
         }
     }
     SQLiteDB db(copy);
-    db.exec(u"PRAGMA schema_version"_s); // the first look inside: SQLite says here what is wrong
+    db.exec(u"SELECT count(*) FROM sqlite_master"_s); // SQLite says here what is wrong
     const qint64 id = db.scalarInt(u"PRAGMA application_id"_s);
     const qint64 tables = db.scalarInt(u"SELECT count(*) FROM sqlite_master WHERE type='table'"_s);
     const qint64 ours =
         db.scalarInt(u"SELECT count(*) FROM sqlite_master WHERE name='documents'"_s);
     if (id != QSDatabaseFile::applicationID && (id != 0 || (tables > 0 && ours == 0))) {
         throw foreign();
+    }
+    if (tables > 0 && isNewer(db.scalarInt(u"PRAGMA user_version"_s))) {
+        throw QSError::invalid(u"This database was made by a newer version of %1, so this version "
+                               "can't open it."_s.arg(QSInfo::appName));
     }
 }
 
@@ -86,8 +134,7 @@ bool recognised(const QString &path)
     if (!file.open(QIODevice::ReadOnly)) {
         return false;
     }
-    constexpr qsizetype headerSize = 100;
-    const QByteArray header = file.read(headerSize);
+    const QByteArray header = file.read(stampSize);
     file.close();
     if (header.isEmpty()) {
         return true;
@@ -95,13 +142,14 @@ bool recognised(const QString &path)
     if (QSMutation::on(u"foreign-database-opened")) {
         return true;
     }
-    const qint64 id = header.size() == headerSize ? headerID(header) : 0;
-    if (id == QSDatabaseFile::applicationID) {
-        readSchema(path);
-    } else if (id == 0) {
+    const qint64 id = header.size() == stampSize ? headerID(header) : 0;
+    if (id != QSDatabaseFile::applicationID && id != 0) {
+        throw foreign();
+    }
+    if (id == 0 || isNewer(versionIn(header.constData())) || newerIsWaiting(path)) {
         examine(path);
     } else {
-        throw foreign();
+        readSchema(path);
     }
     return true;
 }

@@ -98,7 +98,7 @@ class QSStore final : public QObject
 
 public:
     static constexpr qint64 applicationID = QSDatabaseFile::applicationID;
-    static constexpr int schemaVersion = 1;
+    static constexpr int schemaVersion = QSDatabaseFile::schemaVersion;
 
     /// When an opened database's search index is filled anew, so that it matches the directory and
     /// the templates of the running version.
@@ -107,8 +107,9 @@ public:
         later ///< by fillSearchIndex(), or by the first search before that
     };
 
-    /// Opens the database or creates it, for its owner's eyes only. A database of another program
-    /// is refused and left as it was.
+    /// Opens the database or creates it, for its owner's eyes only, and brings one of an older
+    /// version up to this one. A database of another program or of a newer version is refused and
+    /// left as it was.
     explicit QSStore(const QUrl &url, Indexing indexing = Indexing::now);
     ~QSStore() override;
 

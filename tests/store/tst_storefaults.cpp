@@ -160,6 +160,8 @@ private Q_SLOTS:
     void leavesForeignFilesAlone();
     void acceptsItsOwn_data();
     void acceptsItsOwn();
+    void leavesDatabasesOfNewerVersionsAlone_data();
+    void leavesDatabasesOfNewerVersionsAlone();
     void reportsUnusablePlaces();
     void reportsDamage();
     void reportsAFileThatCannotBeRead();
@@ -261,6 +263,41 @@ void TestStoreFaults::acceptsItsOwn()
     QCOMPARE(store.db().scalarInt(u"PRAGMA user_version"_s), QSStore::schemaVersion);
     QCOMPARE(QFile::permissions(path) & (QFile::ReadOther | QFile::ReadGroup),
              QFile::Permissions());
+}
+
+void TestStoreFaults::leavesDatabasesOfNewerVersionsAlone_data()
+{
+    QTest::addColumn<QString>("script");
+    QTest::addColumn<QStringList>("files");
+    const QString newer = u"PRAGMA user_version = %1;"_s.arg(QSStore::schemaVersion + 1);
+    const QString wal = u"PRAGMA journal_mode = WAL;"_s;
+    const QStringList alone = {u"newer"_s};
+    const QStringList withWAL = {u"newer"_s, u"newer-wal"_s};
+    QTest::newRow("at rest") << newer << alone;
+    QTest::newRow("at rest in WAL mode") << newer + wal << alone;
+    QTest::newRow("with changes in a -wal") << newer + wal + u"DELETE FROM documents"_s << withWAL;
+    QTest::newRow("its version in the -wal alone") << wal + newer << withWAL;
+    QTest::newRow("in the middle of a change")
+        << newer + u"PRAGMA cache_size = 1; BEGIN; UPDATE documents SET v = zeroblob(99999)"_s
+        << QStringList{u"newer"_s, u"newer-journal"_s};
+    QTest::newRow("without an application id") << u"PRAGMA application_id = 0;"_s + newer << alone;
+}
+
+void TestStoreFaults::leavesDatabasesOfNewerVersionsAlone()
+{
+    QFETCH(const QString, script);
+    QFETCH(const QStringList, files);
+    const QString path = m_folder->path(u"newer"_s);
+    leaveBehind(u"PRAGMA application_id = %1; CREATE TABLE documents (id INTEGER PRIMARY KEY, v);"
+                "INSERT INTO documents VALUES (1, 'new');"_s.arg(QSStore::applicationID) +
+                    script,
+                path);
+    const QMap<QString, QByteArray> before = tree(m_folder->path(u"."_s));
+    QCOMPARE(before.keys(), files);
+    QCOMPARE(sentence([&] { const QSStore store(QUrl::fromLocalFile(path)); }),
+             u"This database was made by a newer version of Vell Quillstone, so this version can't "
+             "open it."_s);
+    QCOMPARE(tree(m_folder->path(u"."_s)), before);
 }
 
 void TestStoreFaults::reportsUnusablePlaces()
