@@ -17,11 +17,28 @@
 #include <QUuid>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 
 using namespace Qt::Literals::StringLiterals;
 
 namespace {
+/// Each brings a database from the version that is its place in this list to the next one. They run
+/// in one transaction with the stamp of the version they lead to.
+constexpr std::array<QStringView, QSStore::schemaVersion> schemaSteps = {
+    u"CREATE TABLE IF NOT EXISTS profile (key TEXT PRIMARY KEY, value TEXT NOT NULL);\n"
+    "CREATE TABLE IF NOT EXISTS documents (id INTEGER PRIMARY KEY, template_id TEXT NOT NULL, "
+    "template_version TEXT NOT NULL,\n"
+    "    title TEXT NOT NULL, values_json TEXT NOT NULL, state TEXT NOT NULL DEFAULT '', "
+    "created REAL NOT NULL, modified REAL NOT NULL);\n"
+    "CREATE TABLE IF NOT EXISTS filled_pdfs (id INTEGER PRIMARY KEY, entry_id TEXT NOT NULL, "
+    "title TEXT NOT NULL,\n"
+    "    file_name TEXT NOT NULL UNIQUE, created REAL NOT NULL, modified REAL NOT NULL);\n"
+    "CREATE TABLE IF NOT EXISTS link_checks (url TEXT PRIMARY KEY, checked REAL NOT NULL, "
+    "status INTEGER NOT NULL, ok INTEGER NOT NULL,\n"
+    "    final_url TEXT NOT NULL DEFAULT '', content_type TEXT NOT NULL DEFAULT '', note TEXT "
+    "NOT NULL DEFAULT '');"};
+
 QString preparedPath(const QUrl &url)
 {
     if (!url.isLocalFile()) {
@@ -176,29 +193,27 @@ void QSStore::touch()
 
 void QSStore::createSchema()
 {
-    m_db.exec(
-        u"PRAGMA application_id = %1;\n"
-        "PRAGMA journal_mode = WAL;\n"
-        "CREATE TABLE IF NOT EXISTS profile (key TEXT PRIMARY KEY, value TEXT NOT NULL);\n"
-        "CREATE TABLE IF NOT EXISTS documents (id INTEGER PRIMARY KEY, template_id TEXT NOT NULL, "
-        "template_version TEXT NOT NULL,\n"
-        "    title TEXT NOT NULL, values_json TEXT NOT NULL, state TEXT NOT NULL DEFAULT '', "
-        "created REAL NOT NULL, modified REAL NOT NULL);\n"
-        "CREATE TABLE IF NOT EXISTS filled_pdfs (id INTEGER PRIMARY KEY, entry_id TEXT NOT NULL, "
-        "title TEXT NOT NULL,\n"
-        "    file_name TEXT NOT NULL UNIQUE, created REAL NOT NULL, modified REAL NOT NULL);\n"
-        "CREATE TABLE IF NOT EXISTS link_checks (url TEXT PRIMARY KEY, checked REAL NOT NULL, "
-        "status INTEGER NOT NULL, ok INTEGER NOT NULL,\n"
-        "    final_url TEXT NOT NULL DEFAULT '', content_type TEXT NOT NULL DEFAULT '', note TEXT "
-        "NOT NULL DEFAULT '');\n"
-        "PRAGMA user_version = %2;"_s.arg(applicationID)
-            .arg(schemaVersion));
+    // The id first and by itself, so that it is in the file and not in a journal alone.
+    m_db.exec(u"PRAGMA application_id = %1; PRAGMA journal_mode = WAL"_s.arg(applicationID));
+    m_db.transaction([this] { runSteps(); });
     if (QSMutation::on(u"opening-forgets-profile")) {
         m_db.run(u"DELETE FROM profile"_s);
     }
     if (QSMutation::on(u"opening-forgets-documents")) {
         m_db.run(u"DELETE FROM documents"_s);
     }
+}
+
+void QSStore::runSteps()
+{
+    // The first step does no harm where its tables are, so a database of version 1 has them all,
+    // too. A file without tables may have any version.
+    const qint64 version = m_db.scalarInt(u"PRAGMA user_version"_s);
+    const qint64 first = version > 1 && version <= schemaVersion ? version : 0;
+    for (qint64 step = first; step < schemaVersion; ++step) {
+        m_db.exec(schemaSteps.at(static_cast<std::size_t>(step)).toString());
+    }
+    m_db.exec(u"PRAGMA user_version = %1"_s.arg(schemaVersion));
 }
 
 QMap<QString, QString> QSStore::profile()

@@ -172,6 +172,7 @@ Q_SIGNALS:
 
 private:
     void createSchema();
+    void runSteps();
     void createSearchIndex();
     void indexForms();
     void indexTemplates();

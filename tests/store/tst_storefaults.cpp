@@ -162,6 +162,7 @@ private Q_SLOTS:
     void acceptsItsOwn();
     void leavesDatabasesOfNewerVersionsAlone_data();
     void leavesDatabasesOfNewerVersionsAlone();
+    void bringsTheSchemaWholeOrNotAtAll();
     void reportsUnusablePlaces();
     void reportsDamage();
     void reportsAFileThatCannotBeRead();
@@ -298,6 +299,18 @@ void TestStoreFaults::leavesDatabasesOfNewerVersionsAlone()
              u"This database was made by a newer version of Vell Quillstone, so this version can't "
              "open it."_s);
     QCOMPARE(tree(m_folder->path(u"."_s)), before);
+}
+
+void TestStoreFaults::bringsTheSchemaWholeOrNotAtAll()
+{
+    const QString path = m_folder->path(u"old"_s);
+    leaveBehind(u"CREATE TABLE documents (v); CREATE INDEX link_checks ON documents (v)"_s, path);
+    QVERIFY(sentence([&] {
+                const QSStore store(QUrl::fromLocalFile(path));
+            }).contains(u"link_checks"_s));
+    SQLiteDB db(path);
+    QCOMPARE(db.scalarInt(u"SELECT count(*) FROM sqlite_master WHERE type = 'table'"_s), 1);
+    QCOMPARE(db.scalarInt(u"PRAGMA user_version"_s), 0);
 }
 
 void TestStoreFaults::reportsUnusablePlaces()
