@@ -83,7 +83,7 @@ void copyTo(const QString &from, const QString &to)
 {
     QFile file(from);
     if (!file.copy(to)) {
-        throw QSError::database(file.errorString());
+        throw QSError::io(u"No copy of it could be made to look into: "_s + file.errorString());
     }
     QFile::setPermissions(to, ownerOnly);
 }
@@ -95,8 +95,8 @@ void examine(const QString &path)
 {
     const QTemporaryDir folder;
     if (!folder.isValid()) {
-        throw QSError::invalid(u"No folder for temporary files could be made: "_s +
-                               folder.errorString());
+        throw QSError::io(u"No folder for temporary files could be made: "_s +
+                          folder.errorString());
     }
     const QString copy = folder.filePath(u"copy"_s);
     copyTo(path, copy);
@@ -159,7 +159,7 @@ void QSDatabaseFile::prepare(const QString &path)
 {
     const QDir folder = QFileInfo(path).dir();
     if (!folder.mkpath(u"."_s)) {
-        throw QSError::invalid(u"The folder \"%1\" could not be created."_s.arg(folder.path()));
+        throw QSError::io(u"The folder \"%1\" could not be created."_s.arg(folder.path()));
     }
     // SQLite gives its -wal and -shm files the permissions that the database has.
     QFile file(path);
