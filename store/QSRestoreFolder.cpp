@@ -34,10 +34,11 @@ QSError systemFailure()
     return failure(qt_error_string(errno));
 }
 
-/// The folder that the database names; empty when it names none.
+/// The folder that the database names; empty when it names none. Throws when that can't be read:
+/// a folder that nobody names is cleared away.
 QString notedFolder(SQLiteDB &db)
 {
-    if (db.scalarInt(u"SELECT count(*) FROM sqlite_master WHERE name = 'pending_restore'"_s) == 0) {
+    if (db.query(u"SELECT 1 FROM sqlite_master WHERE name = 'pending_restore'"_s).isEmpty()) {
         return {};
     }
     const QList<SQLRow> rows = db.query(u"SELECT folder FROM pending_restore"_s);

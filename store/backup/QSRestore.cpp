@@ -48,10 +48,16 @@ void insertAll(SQLiteDB &db, const QList<Record> &records, const QString &raiseI
     db.run(raiseIDs, {std::max<qint64>(formerID, records.size())});
 }
 
+/// 0 for a table without rows. Throws when it can't be read, where scalarInt() would say 0.
+qint64 highestID(SQLiteDB &db, const QString &select)
+{
+    return db.query(select).constFirst().intValue(u"id"_s).value_or(0);
+}
+
 void replaceAll(SQLiteDB &db, const QSBackup::File &file)
 {
-    const qint64 formerDocument = db.scalarInt(u"SELECT max(id) FROM documents"_s);
-    const qint64 formerPDF = db.scalarInt(u"SELECT max(id) FROM filled_pdfs"_s);
+    const qint64 formerDocument = highestID(db, u"SELECT max(id) AS id FROM documents"_s);
+    const qint64 formerPDF = highestID(db, u"SELECT max(id) AS id FROM filled_pdfs"_s);
     db.run(u"DELETE FROM profile"_s);
     db.run(u"DELETE FROM documents"_s);
     db.run(u"DELETE FROM filled_pdfs"_s);

@@ -66,6 +66,7 @@ private Q_SLOTS:
     void aFailedRestoreLeavesTheStore();
     void stops();
     void finishesWhatWasCommitted();
+    void aNoteThatCannotBeReadIsNotNone();
     void isWholeWhenKilled();
 
 private:
@@ -201,6 +202,18 @@ void TestBackupFaults::finishesWhatWasCommitted()
     m_user->store().saveFilledPDF(u"us-w-9"_s, u"W-9"_s, "%PDF new", record);
     m_user->store().finishRestore();
     QCOMPARE(contents(path), "%PDF new");
+}
+
+void TestBackupFaults::aNoteThatCannotBeReadIsNotNone()
+{
+    m_user->close();
+    SQLiteDB other(ScratchUser::database());
+    other.exec(u"PRAGMA locking_mode = EXCLUSIVE; BEGIN EXCLUSIVE"_s);
+    SQLiteDB db(ScratchUser::database());
+    db.exec(u"PRAGMA busy_timeout = 0"_s);
+    // Without a failure, all that lies ready would be cleared away next.
+    QCOMPARE(sentence([&db] { QSRestoreFolder::finish(db); }),
+             u"The database reported a problem: database is locked"_s);
 }
 
 void TestBackupFaults::isWholeWhenKilled()
