@@ -4,6 +4,7 @@
 #include <QIODevice>
 
 #include <cerrno>
+#include <cstdio>
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -34,6 +35,25 @@ bool QSDisk::write(QIODevice &device, QByteArrayView bytes)
         bytes = bytes.sliced(written);
     }
     return true;
+}
+
+bool QSDisk::moveToFreeName(const QString &from, const QString &to)
+{
+    const QByteArray source = QFile::encodeName(from);
+    const QByteArray target = QFile::encodeName(to);
+    if (::renameat2(AT_FDCWD, source.constData(), AT_FDCWD, target.constData(), RENAME_NOREPLACE) ==
+        0) {
+        return true;
+    }
+    if (errno != EINVAL && errno != ENOSYS) {
+        return false;
+    }
+    // Some file systems can't do it in one step; there, a name that comes up meanwhile is lost.
+    if (::faccessat(AT_FDCWD, target.constData(), F_OK, AT_SYMLINK_NOFOLLOW) == 0) {
+        errno = EEXIST;
+        return false;
+    }
+    return ::rename(source.constData(), target.constData()) == 0;
 }
 
 bool QSDisk::syncNames(const QString &folder)

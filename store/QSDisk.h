@@ -11,6 +11,10 @@ namespace QSDisk {
 /// it can't; the device has the reason.
 [[nodiscard]] bool write(QIODevice &device, QByteArrayView bytes);
 
+/// Moves a file within its file system to a name that nothing has. False, with errno set, when it
+/// can't: EEXIST where something has the name.
+[[nodiscard]] bool moveToFreeName(const QString &from, const QString &to);
+
 /// Waits until the disk has which files are in the folder, under which names. False, with errno
 /// set, when it can't have it.
 [[nodiscard]] bool syncNames(const QString &folder);

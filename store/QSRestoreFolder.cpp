@@ -3,7 +3,7 @@
 #include "QSDisk.h"
 #include "QSError.h"
 #include "QSInfo.h"
-#include "SQLiteDB.h"
+#include "QSStore.h"
 
 #include <QDir>
 #include <QFile>
@@ -15,7 +15,6 @@
 using namespace Qt::Literals::StringLiterals;
 
 namespace {
-constexpr QDir::Filters everyFile = QDir::Files | QDir::Hidden | QDir::System;
 constexpr QDir::Filters everyFolder = QDir::Dirs | QDir::Hidden | QDir::NoDotAndDotDot;
 
 /// How the folders of one database begin: another database may keep its PDFs in the same place.
@@ -34,28 +33,62 @@ QSError systemFailure()
     return failure(qt_error_string(errno));
 }
 
-/// The folder that the database names; empty when it names none. Throws when that can't be read:
-/// a folder that nobody names is cleared away.
-QString notedFolder(SQLiteDB &db)
+/// A file that lies ready, and the place that it goes to.
+struct Move
+{
+    QString from;
+    QString to;
+    bool replaces = false;
+};
+
+/// What the database has noted. Throws when that can't be read: what nobody notes is cleared away.
+QList<Move> notedMoves(SQLiteDB &db)
 {
     if (db.query(u"SELECT 1 FROM sqlite_master WHERE name = 'pending_restore'"_s).isEmpty()) {
         return {};
     }
-    const QList<SQLRow> rows = db.query(u"SELECT folder FROM pending_restore"_s);
-    return rows.isEmpty() ? QString() : rows.constFirst().string(u"folder"_s);
+    const QDir filled = QSInfo::filledFolder();
+    QList<Move> moves;
+    const QList<SQLRow> rows = db.query(u"SELECT * FROM pending_restore"_s);
+    for (const SQLRow &row : rows) {
+        // Whatever the note says, it is a file in there and goes from one folder to the other.
+        const auto name = [&row](const QString &column) {
+            return QFileInfo(row.string(column)).fileName();
+        };
+        const QDir folder(filled.filePath(name(u"folder"_s)));
+        moves.append({folder.filePath(name(u"file"_s)), filled.filePath(name(u"target"_s)),
+                      row.boolValue(u"replaces"_s)});
+    }
+    return moves;
 }
 
-void moveAll(const QDir &from, const QDir &to)
+/// Gives a file on its way a new name, which the records have before the file has it.
+void giveNewName(SQLiteDB &db, Move &move)
 {
-    const QStringList names = from.entryList(everyFile);
-    for (const QString &name : names) {
-        const QByteArray source = QFile::encodeName(from.filePath(name));
-        const QByteArray target = QFile::encodeName(to.filePath(name));
-        if (std::rename(source.constData(), target.constData()) != 0) {
-            throw systemFailure();
+    const QFileInfo former(move.to);
+    const QString name = QSFilledPDF::newFileName();
+    db.transaction([&] {
+        for (const QString &sql : {u"UPDATE filled_pdfs SET file_name = ? WHERE file_name = ?"_s,
+                                   u"UPDATE pending_restore SET target = ? WHERE target = ?"_s}) {
+            db.run(sql, {name, former.fileName()});
         }
+    });
+    move.to = former.dir().filePath(name);
+}
+
+void carryOut(SQLiteDB &db, Move move)
+{
+    const auto carried = [&move] {
+        return move.replaces ? std::rename(QFile::encodeName(move.from).constData(),
+                                           QFile::encodeName(move.to).constData()) == 0
+                             : QSDisk::moveToFreeName(move.from, move.to);
+    };
+    bool done = carried();
+    if (!done && !move.replaces && errno == EEXIST) {
+        giveNewName(db, move);
+        done = carried();
     }
-    if (!names.isEmpty() && !QSDisk::syncNames(to.path())) {
+    if (!done && errno != ENOENT) { // what is not there was moved before the program ended
         throw systemFailure();
     }
 }
@@ -80,6 +113,7 @@ void QSRestoreFolder::add(const QString &fileName, const QByteArray &pdf)
         !QSDisk::write(file, pdf)) {
         throw failure(file.errorString());
     }
+    m_files.append(fileName);
 }
 
 void QSRestoreFolder::sync() const
@@ -89,27 +123,41 @@ void QSRestoreFolder::sync() const
     }
 }
 
-void QSRestoreFolder::noteIn(SQLiteDB &db) const
+QHash<QString, QString> QSRestoreFolder::noteIn(SQLiteDB &db) const
 {
-    db.run(u"CREATE TABLE pending_restore (folder TEXT NOT NULL)"_s);
-    db.run(u"INSERT INTO pending_restore (folder) VALUES (?)"_s,
-           {QFileInfo(m_folder.path()).fileName()});
+    if (m_files.isEmpty()) {
+        return {};
+    }
+    db.run(u"CREATE TABLE pending_restore (folder TEXT NOT NULL, file TEXT NOT NULL, "
+           "target TEXT NOT NULL, replaces INTEGER NOT NULL)"_s);
+    const QDir filled = QSInfo::filledFolder();
+    QHash<QString, QString> targets;
+    for (const QString &file : m_files) {
+        const bool replaces =
+            !db.query(u"SELECT 1 FROM filled_pdfs WHERE file_name = ?"_s, {file}).isEmpty();
+        const bool isTaken = !replaces && QFileInfo::exists(filled.filePath(file));
+        targets.insert(file, isTaken ? QSFilledPDF::newFileName() : file);
+        db.run(u"INSERT INTO pending_restore (folder, file, target, replaces) VALUES (?,?,?,?)"_s,
+               {QFileInfo(m_folder.path()).fileName(), file, targets.value(file), replaces});
+    }
+    return targets;
 }
 
 void QSRestoreFolder::finish(SQLiteDB &db)
 {
-    const QString name = notedFolder(db);
-    if (name.isEmpty()) {
+    const QList<Move> moves = notedMoves(db);
+    if (moves.isEmpty()) {
         return;
     }
+    for (const Move &move : moves) {
+        carryOut(db, move);
+    }
     const QDir filled = QSInfo::filledFolder();
-    // Whatever the note says, it is a folder in there.
-    const QDir folder(filled.filePath(QFileInfo(name).fileName()));
-    if (folder.exists()) {
-        moveAll(folder, filled);
+    if (!QSDisk::syncNames(filled.path())) {
+        throw systemFailure();
     }
     db.exec(u"DROP TABLE pending_restore"_s);
-    filled.rmdir(folder.dirName());
+    filled.rmdir(QFileInfo(moves.constFirst().from).dir().dirName());
 }
 
 void QSRestoreFolder::clearLeftovers(const QString &databasePath)

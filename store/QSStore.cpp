@@ -158,6 +158,11 @@ QMap<QString, QString> QSDocument::valuesFromJSON(const QByteArray &json)
     return values;
 }
 
+QString QSFilledPDF::newFileName()
+{
+    return QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper() + u".pdf"_s;
+}
+
 QSStore::QSStore(const QUrl &url, Indexing indexing) : m_db(preparedPath(url)), m_url(url)
 {
     createSchema();
@@ -340,17 +345,14 @@ QSFilledPDF QSStore::saveFilledPDF(const QString &entryID, const QString &title,
     }
     finishRestore(); // later it would put its file over this newer one
     const QDateTime now = QSClock::now();
-    QSFilledPDF record =
-        replacing ? replaceFilledPDF(*replacing, title, data, now)
-                  : insertFilledPDF(
-                        {.id = {},
-                         .entryID = storable(entryID),
-                         .title = storable(title),
-                         .fileName = QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper() +
-                                     u".pdf"_s,
-                         .created = now,
-                         .modified = now},
-                        data);
+    QSFilledPDF record = replacing ? replaceFilledPDF(*replacing, title, data, now)
+                                   : insertFilledPDF({.id = {},
+                                                      .entryID = storable(entryID),
+                                                      .title = storable(title),
+                                                      .fileName = QSFilledPDF::newFileName(),
+                                                      .created = now,
+                                                      .modified = now},
+                                                     data);
     touch();
     return record;
 }

@@ -57,6 +57,9 @@ struct QSFilledPDF
     QDateTime modified;
 
     bool operator==(const QSFilledPDF &) const = default;
+
+    /// A file name that nothing else has.
+    [[nodiscard]] static QString newFileName();
 };
 
 /// What the latest check of an official link found.

@@ -54,8 +54,13 @@ qint64 highestID(SQLiteDB &db, const QString &select)
     return db.query(select).constFirst().intValue(u"id"_s).value_or(0);
 }
 
-void replaceAll(SQLiteDB &db, const QSBackup::File &file)
+void replaceAll(SQLiteDB &db, const QSBackup::File &file, const QSRestoreFolder &folder)
 {
+    QList<QSBackup::PDF> filledPDFs = file.filledPDFs;
+    const QHash<QString, QString> fileNames = folder.noteIn(db);
+    for (QSBackup::PDF &pdf : filledPDFs) {
+        pdf.fileName = fileNames.value(pdf.fileName);
+    }
     const qint64 formerDocument = highestID(db, u"SELECT max(id) AS id FROM documents"_s);
     const qint64 formerPDF = highestID(db, u"SELECT max(id) AS id FROM filled_pdfs"_s);
     db.run(u"DELETE FROM profile"_s);
@@ -69,7 +74,7 @@ void replaceAll(SQLiteDB &db, const QSBackup::File &file)
                {storable(answer.key()), storable(answer.value())});
     }
     insertAll(db, file.documents, u"UPDATE documents SET id = id + ?"_s, formerDocument);
-    insertAll(db, file.filledPDFs, u"UPDATE filled_pdfs SET id = id + ?"_s, formerPDF);
+    insertAll(db, filledPDFs, u"UPDATE filled_pdfs SET id = id + ?"_s, formerPDF);
 }
 
 QSBackup::Staged stageFrom(QIODevice &device, const QUrl &database,
@@ -130,10 +135,7 @@ QSBackup::Staged QSBackup::stage(const QUrl &backup, const QUrl &database, const
 void QSBackup::restore(const Staged &staged, QSStore &store)
 {
     store.finishRestore(); // of an earlier one
-    store.db().transaction([&] {
-        replaceAll(store.db(), staged.file);
-        staged.folder->noteIn(store.db());
-    });
+    store.db().transaction([&] { replaceAll(store.db(), staged.file, *staged.folder); });
     staged.folder->keep();
     try {
         store.rebuildSearchIndex();

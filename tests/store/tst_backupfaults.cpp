@@ -4,10 +4,12 @@
 
 #include <QCoreApplication>
 #include <QRandomGenerator>
+#include <QSet>
 #include <QTest>
 
 #include <algorithm>
 #include <cstdio>
+#include <utility>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -43,11 +45,16 @@ QByteArray markedBackup(const QByteArray &mark)
         .replace("second.pdf", mark + ".pdf");
 }
 
-/// Says nothing of the program that made it, nor of the order of PDFs of one moment.
+/// Says nothing of the program that made it, nor of the order of PDFs of one moment and the names
+/// of their files.
 QSBackup::File comparable(QSBackup::File state)
 {
     state.app.clear();
-    std::ranges::sort(state.filledPDFs, {}, &QSBackup::PDF::fileName);
+    for (QSBackup::PDF &pdf : state.filledPDFs) {
+        pdf.fileName.clear();
+    }
+    std::ranges::sort(state.filledPDFs, {},
+                      [](const QSBackup::PDF &pdf) { return std::pair(pdf.data, pdf.title); });
     return state;
 }
 } // namespace
@@ -65,7 +72,9 @@ private Q_SLOTS:
     void aFailedRestoreLeavesTheStore_data();
     void aFailedRestoreLeavesTheStore();
     void stops();
+    void leavesFilesThatNoRecordNames();
     void finishesWhatWasCommitted();
+    void aNameTakenAfterTheCommitIsLeft();
     void aNoteThatCannotBeReadIsNotNone();
     void isWholeWhenKilled();
 
@@ -181,6 +190,24 @@ void TestBackupFaults::stops()
     QCOMPARE(foldersAmongFilled(), QStringList());
 }
 
+void TestBackupFaults::leavesFilesThatNoRecordNames()
+{
+    const QSBackup::File expected = comparable(stateOf(sample()));
+    writeFile(filledPath(u"second.pdf"_s), "%PDF of another database");
+    QSet<QString> names;
+    for (int round = 0; round < 2; ++round) { // its own files of the first round give way then
+        m_user->restore(sample());
+        QCOMPARE(contents(filledPath(u"second.pdf"_s)), "%PDF of another database");
+        QCOMPARE(comparable(m_user->state()), expected);
+        for (const QSFilledPDF &record : m_user->store().filledPDFs()) {
+            names.insert(record.fileName);
+        }
+    }
+    QVERIFY(names.contains(u"0F8FAD5B-D9CB-469F-A165-70867728950E.pdf"_s));
+    QVERIFY(!names.contains(u"second.pdf"_s));
+    QCOMPARE(foldersAmongFilled(), QStringList());
+}
+
 void TestBackupFaults::finishesWhatWasCommitted()
 {
     const QSFilledPDF record = m_user->store().saveFilledPDF(u"us-w-9"_s, u"W-9"_s, "%PDF old");
@@ -188,7 +215,7 @@ void TestBackupFaults::finishesWhatWasCommitted()
     const auto commit = [&](const QByteArray &pdf) {
         QSRestoreFolder folder(ScratchUser::database());
         folder.add(record.fileName, pdf);
-        m_user->store().db().transaction([&] { folder.noteIn(m_user->store().db()); });
+        m_user->store().db().transaction([&] { (void)folder.noteIn(m_user->store().db()); });
         folder.keep();
     };
     commit("%PDF restored");
@@ -202,6 +229,27 @@ void TestBackupFaults::finishesWhatWasCommitted()
     m_user->store().saveFilledPDF(u"us-w-9"_s, u"W-9"_s, "%PDF new", record);
     m_user->store().finishRestore();
     QCOMPARE(contents(path), "%PDF new");
+}
+
+void TestBackupFaults::aNameTakenAfterTheCommitIsLeft()
+{
+    {
+        QSRestoreFolder folder(ScratchUser::database());
+        folder.add(u"late.pdf"_s, "%PDF restored");
+        SQLiteDB &db = m_user->store().db();
+        db.transaction([&] {
+            QCOMPARE(folder.noteIn(db).value(u"late.pdf"_s), u"late.pdf"_s);
+            db.exec(u"INSERT INTO filled_pdfs VALUES (7, '', '', 'late.pdf', 0, 0)"_s);
+        });
+        folder.keep();
+    }
+    writeFile(filledPath(u"late.pdf"_s), "%PDF of another database");
+    m_user->openAgain();
+    QCOMPARE(contents(filledPath(u"late.pdf"_s)), "%PDF of another database");
+    const QSFilledPDF record = m_user->store().filledPDFs().constFirst();
+    QVERIFY(record.fileName != u"late.pdf"_s);
+    QCOMPARE(contents(filledPath(record.fileName)), "%PDF restored");
+    QCOMPARE(foldersAmongFilled(), QStringList());
 }
 
 void TestBackupFaults::aNoteThatCannotBeReadIsNotNone()
