@@ -169,8 +169,9 @@ QSStore::QSStore(const QUrl &url, Indexing indexing) : m_db(preparedPath(url)), 
     try {
         finishRestore();
         QSRestoreFolder::clearLeftovers(m_db.path());
-    } catch (const QSError &) {
+    } catch (const QSError &error) {
         // It is tried again before the next filled PDF is saved.
+        qWarning("A restore could not be finished: %s", error.what());
     }
     createSearchIndex();
     if (indexing == Indexing::now) {
@@ -288,11 +289,12 @@ QSDocument QSStore::save(const QSDocument &document)
                 indexDocument(*saved.id);
             }
         });
-    } catch (const QSError &) {
+    } catch (const QSError &error) {
         if (!indexing) {
             throw;
         }
         // The document counts for more than its search row, which the next start makes anew.
+        qWarning("A search row could not be written: %s", error.what());
         m_db.transaction([&] { saved = write(draft); });
     }
     touch();
@@ -324,8 +326,9 @@ void QSStore::deleteDocument(qint64 id)
     m_db.run(u"DELETE FROM documents WHERE id = ?"_s, {id});
     try {
         unindexDocument(id);
-    } catch (const QSError &) {
+    } catch (const QSError &error) {
         // A row too many in the index goes with the next start.
+        qWarning("A search row could not be deleted: %s", error.what());
     }
     touch();
 }
@@ -409,8 +412,9 @@ void QSStore::recordLinkCheck(const QSLinkCheck &check)
             u"INSERT OR REPLACE INTO link_checks (url, checked, status, ok, final_url, content_type, note) VALUES (?,?,?,?,?,?,?)"_s,
             {check.url, check.checked, check.status, check.ok, check.finalURL, check.contentType,
              check.note});
-    } catch (const QSError &) {
+    } catch (const QSError &error) {
         // Not worth a message: the link counts as unchecked.
+        qWarning("The check of a link could not be recorded: %s", error.what());
     }
 }
 

@@ -80,8 +80,9 @@ void QSStore::createSearchIndex()
         // A table left by an SQLite that has FTS5 is also there for one that has not.
         (void)m_db.prepare(u"SELECT ref FROM search"_s);
         m_hasFTS5 = true;
-    } catch (const QSError &) {
+    } catch (const QSError &error) {
         // The program is worth having without its search.
+        qWarning("There is no search: %s", error.what());
     }
 }
 
@@ -92,8 +93,9 @@ void QSStore::fillSearchIndex()
     }
     try {
         rebuildSearchIndex();
-    } catch (const QSError &) {
+    } catch (const QSError &error) {
         // A search finds what the index held before.
+        qWarning("The search index could not be filled: %s", error.what());
     }
 }
 
@@ -181,7 +183,8 @@ QList<QSSearchHit> QSStore::search(const QString &text, int limit)
             hits.append({hitKind(statement.text(0)), statement.text(1), statement.text(2),
                          statement.text(3)});
         }
-    } catch (const QSError &) {
+    } catch (const QSError &error) {
+        qWarning("A search failed: %s", error.what());
         return {};
     }
     return hits;

@@ -139,8 +139,9 @@ void QSBackup::restore(const Staged &staged, QSStore &store)
     staged.folder->keep();
     try {
         store.rebuildSearchIndex();
-    } catch (const QSError &) {
+    } catch (const QSError &error) {
         // The next start makes it anew.
+        qWarning("The search index could not be filled: %s", error.what());
     }
     const auto tell = qScopeGuard([&store] { store.touch(); });
     store.finishRestore();
