@@ -39,7 +39,7 @@ void write(const QString &path, const QByteArray &data)
     try {
         QSFile::write(path, data, QSFile::Readers::owner);
     } catch (const QSError &error) {
-        throw QSError::network(u"The form could not be saved: "_s + error.payload());
+        throw QSError::io(u"The form could not be saved: "_s + error.payload());
     }
 }
 

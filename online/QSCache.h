@@ -51,7 +51,7 @@ struct Result
 [[nodiscard]] QString metaURL(const QString &entryID);
 /// Absent when there is none or it can't be read.
 [[nodiscard]] std::optional<QSCacheMeta> meta(const QString &entryID);
-/// Throws QSError::network when it can't be written.
+/// Throws QSError::io when it can't be written.
 void saveMeta(const QSCacheMeta &meta);
 /// True when the copy is there and its record reads.
 [[nodiscard]] bool hasCopy(const QSEntry &entry);
@@ -64,7 +64,7 @@ void saveMeta(const QSCacheMeta &meta);
 
 /// The form's copy: as it is, checked with the site, downloaded, or the older one where the site
 /// can't be reached or answers badly. Waits for the network, so never on the main thread. Throws
-/// QSError::network when there is nothing to show.
+/// QSError::network when there is nothing to show, and QSError::io when what came can't be kept.
 [[nodiscard]] Result obtain(const QSEntry &entry, bool forceCheck, const QDateTime &now,
                             const std::stop_token &stop = {});
 

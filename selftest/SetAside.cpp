@@ -30,7 +30,7 @@ SetAside::SetAside(const QString &name)
     m_lock.tryLock(longestRun);
     QDir(m_folder).removeRecursively(); // of a run that was killed
     if (::mkdir(QFile::encodeName(m_folder).constData(), S_IRWXU) != 0) {
-        throw QSError::invalid(u"The temporary folder %1 could not be made: %2"_s.arg(
+        throw QSError::io(u"The temporary folder %1 could not be made: %2"_s.arg(
             m_folder, qt_error_string(errno)));
     }
     const QDir folder(m_folder);

@@ -8,7 +8,7 @@
 class SetAside final
 {
 public:
-    /// Throws QSError::invalid when the temporary folder can't be made.
+    /// Throws QSError::io when the temporary folder can't be made.
     SetAside();
     /// In a temporary folder of that name, which is the same for every run; one that a killed run
     /// left behind is cleared away, and a run that still goes on is waited for.

@@ -25,7 +25,7 @@ QString prefix(const QString &databasePath)
 
 QSError failure(const QString &reason)
 {
-    return QSError::invalid(u"The filled PDFs could not be put in place: "_s + reason);
+    return QSError::io(u"The filled PDFs could not be put in place: "_s + reason);
 }
 
 QSError systemFailure()

@@ -131,7 +131,7 @@ void writePDF(const QString &path, const QByteArray &data)
     try {
         QSFile::write(path, data, QSFile::Readers::owner);
     } catch (const QSError &error) {
-        throw QSError::invalid(u"The PDF could not be saved: "_s + error.payload());
+        throw QSError::io(u"The PDF could not be saved: "_s + error.payload());
     }
 }
 } // namespace

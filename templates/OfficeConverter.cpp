@@ -125,8 +125,8 @@ public:
             throw limit.exceeded();
         }
         if (!m_file.isLocked()) {
-            throw failure(QStringLiteral("LibreOffice's folder %1 can't be written.")
-                              .arg(QFileInfo(m_file.fileName()).path()));
+            throw QSError::io(QStringLiteral("LibreOffice's folder %1 can't be written.")
+                                  .arg(QFileInfo(m_file.fileName()).path()));
         }
     }
     Q_DISABLE_COPY_MOVE(Turn)
@@ -145,7 +145,7 @@ QString createOfficeFolder()
         QStandardPaths::writableLocation(QStandardPaths::CacheLocation) + QStringLiteral("/office");
     constexpr auto ownerOnly = QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner;
     if (!QDir().mkpath(path) || !QFile::setPermissions(path, ownerOnly)) {
-        throw failure(QStringLiteral("LibreOffice's folder %1 can't be created.").arg(path));
+        throw QSError::io(QStringLiteral("LibreOffice's folder %1 can't be created.").arg(path));
     }
     return path;
 }
@@ -232,8 +232,9 @@ Conversion::Conversion(const QDir &parent, QString program, QString target,
     QFile input(inputPath());
     if (!m_folder.isValid() || !input.open(QIODevice::WriteOnly) ||
         input.write(document) != document.size() || !input.flush()) {
-        throw failure(QStringLiteral("The document can't be written for LibreOffice: %1")
-                          .arg(m_folder.isValid() ? input.errorString() : m_folder.errorString()));
+        throw QSError::io(
+            QStringLiteral("The document can't be written for LibreOffice: %1")
+                .arg(m_folder.isValid() ? input.errorString() : m_folder.errorString()));
     }
 }
 
@@ -311,7 +312,7 @@ QByteArray Conversion::readOutput(const QString &words) const
     }
     QByteArray bytes = output.readAll();
     if (output.error() != QFile::NoError) {
-        throw failure(
+        throw QSError::io(
             QStringLiteral("LibreOffice's document can't be read: %1").arg(output.errorString()));
     }
     const QByteArray beginning = extension() == u"docx" ? "PK\x03\x04" : "{\\rtf";

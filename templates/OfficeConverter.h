@@ -15,9 +15,10 @@ namespace OfficeConverter {
 /// The converted document's bytes. target is LibreOffice's own name of the format, "docx" or "rtf"
 /// with an optional filter ("docx:MS Word 2007 XML"). Throws QSError::invalid with the cause when
 /// LibreOffice is missing, fails, or takes more than 60 seconds, waiting for another conversion
-/// included, and within about a tenth of a second when it is stopped; no process and no file of the
-/// conversion is left behind. What a crash leaves behind is readable by the user alone and goes
-/// with the next conversion.
+/// included, and within about a tenth of a second when it is stopped, and QSError::io when the
+/// files between the two can't be written or read; no process and no file of the conversion is left
+/// behind. What a crash leaves behind is readable by the user alone and goes with the next
+/// conversion.
 [[nodiscard]] QByteArray convert(const QByteArray &flatODF, const QString &target,
                                  const std::stop_token &stop = {});
 

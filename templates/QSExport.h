@@ -13,7 +13,7 @@ class QPagedPaintDevice;
 /// A rendered document as a file of another program's kind, or on paper.
 ///
 /// Each function may be called on any thread; docx() and rtf() start LibreOffice and take up to a
-/// minute, so they belong on a worker. Failures are thrown as QSError::invalid with the cause.
+/// minute, so they belong on a worker. Failures are thrown as QSError with the cause.
 namespace QSExport {
 enum class Format { pdf, docx, rtf };
 

@@ -17,11 +17,11 @@ QSTemplate read(const QDir &folder, const QString &name)
 {
     QFile file(folder.filePath(name));
     if (!file.open(QIODevice::ReadOnly)) {
-        throw QSError::invalid(u"%1: can't be read: %2"_s.arg(name, file.errorString()));
+        throw QSError::io(u"%1: can't be read: %2"_s.arg(name, file.errorString()));
     }
     const QByteArray bytes = file.read(maxFileSize + 1);
     if (file.error() != QFileDevice::NoError) {
-        throw QSError::invalid(u"%1: can't be read: %2"_s.arg(name, file.errorString()));
+        throw QSError::io(u"%1: can't be read: %2"_s.arg(name, file.errorString()));
     }
     if (bytes.size() > maxFileSize) {
         throw QSError::invalid(u"%1: is larger than 1 MiB"_s.arg(name));

@@ -80,7 +80,7 @@ private:
         std::memmove(m_buffer.data(), m_next, static_cast<std::size_t>(kept));
         qint64 size = m_device.read(m_buffer.data() + kept, capacity - kept);
         if (size < 0) {
-            throw QSError::invalid(u"The backup could not be read: "_s + m_device.errorString());
+            throw QSError::io(u"The backup could not be read: "_s + m_device.errorString());
         }
         m_isAtEnd = size == 0;
         if (m_isAtEnd) {

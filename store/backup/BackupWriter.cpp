@@ -43,7 +43,7 @@ private:
     void writeOut(QByteArrayView text)
     {
         if (!QSDisk::write(m_device, text)) {
-            throw QSError::invalid(u"The backup could not be written: "_s + m_device.errorString());
+            throw QSError::io(u"The backup could not be written: "_s + m_device.errorString());
         }
     }
 

@@ -25,7 +25,7 @@ using namespace Qt::Literals::StringLiterals;
 namespace {
 QSError failure(const QString &reason)
 {
-    return QSError::invalid(u"The backup could not be written: "_s + reason);
+    return QSError::io(u"The backup could not be written: "_s + reason);
 }
 
 double seconds(const QDateTime &time)
@@ -258,7 +258,7 @@ int QSBackup::write(const File &contents, const QUrl &url, const Progress &progr
                     const std::stop_token &stop)
 {
     if (!url.isLocalFile()) {
-        throw failure(u"\"%1\" is not a file on this computer."_s.arg(url.toString()));
+        throw QSError::invalid(u"\"%1\" is not a file on this computer."_s.arg(url.toString()));
     }
     return BackupFile(contents, progress, stop).write(url.toLocalFile());
 }

@@ -127,7 +127,7 @@ QSBackup::Staged QSBackup::stage(const QUrl &backup, const QUrl &database, const
 {
     QFile file(backup.toLocalFile());
     if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered)) {
-        throw QSError::invalid(u"The backup could not be read: "_s + file.errorString());
+        throw QSError::io(u"The backup could not be read: "_s + file.errorString());
     }
     return stageFrom(file, database, progress, stop);
 }

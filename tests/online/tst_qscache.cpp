@@ -70,7 +70,9 @@ Opened open(const QSEntry &entry, bool force = false, const std::stop_token &sto
         opened.result = QSCache::obtain(entry, force, now, stop);
         opened.said = opened.result->message;
     } catch (const QSError &error) {
-        opened.said = error.errorCase() == QSError::Case::network ? error.payload() : u"?"_s;
+        const bool network = error.errorCase() == QSError::Case::network;
+        const bool disk = error.errorCase() == QSError::Case::io;
+        opened.said = network ? error.payload() : disk ? u"disk: "_s + error.payload() : u"?"_s;
     }
     return opened;
 }
@@ -410,7 +412,8 @@ private Q_SLOTS:
         QTest::ignoreMessage(QtWarningMsg, "The form could not be saved: No space left on device");
         QCOMPARE(open(formEntry()).said, noNewer);
         m_server->answer(address, {form(newForm, false)});
-        QCOMPARE(open(formEntry()).said, u"The form could not be saved: No space left on device"_s);
+        QCOMPARE(open(formEntry()).said,
+                 u"disk: The form could not be saved: No space left on device"_s);
         QCOMPARE(copyBytes(), oldForm);
         QCOMPARE(QSCache::meta(formEntry().id), meta);
         QVERIFY(filler.remove());

@@ -1,4 +1,5 @@
 #include "BackupFixture.h"
+#include "BackupJSON.h"
 #include "QSRestoreFolder.h"
 #include "SmallDisk.h"
 
@@ -69,6 +70,7 @@ private Q_SLOTS:
 
     void aBackupIsOfOneMoment();
     void aFailedBackupLeavesThePlace();
+    void failuresOfTheDiskAreOfThatKind();
     void aFailedRestoreLeavesTheStore_data();
     void aFailedRestoreLeavesTheStore();
     void stops();
@@ -121,6 +123,25 @@ void TestBackupFaults::aFailedBackupLeavesThePlace()
     QCOMPARE(sentence([&] { m_user->backUp(folder + u"/a.qsbackup"_s); }),
              u"The backup could not be written: No space left on device"_s);
     QCOMPARE(tree(folder), before);
+}
+
+void TestBackupFaults::failuresOfTheDiskAreOfThatKind()
+{
+    const QUrl database = m_user->store().url();
+    const auto staged = [&database](const QString &path) {
+        return [path, &database] { (void)QSBackup::stage(QUrl::fromLocalFile(path), database); };
+    };
+    QVERIFY(failsAtTheDisk([this] { m_user->backUp(u"/nowhere/a.qsbackup"_s); }));
+    QVERIFY(failsAtTheDisk(staged(u"/nowhere/a.qsbackup"_s)));
+    QVERIFY(failsAtTheDisk(staged(u"/proc/self/mem"_s))); // it opens, and can't be read
+    QFile full(u"/dev/full"_s);
+    QVERIFY(full.open(QIODevice::WriteOnly | QIODevice::Unbuffered));
+    QVERIFY(failsAtTheDisk([&full] { BackupJSON::write({}, {}, full); }));
+
+    QVERIFY(QSInfo::filledFolder().removeRecursively());
+    writeFile(QSInfo::dataFolder().filePath(u"Filled PDFs"_s), "no folder");
+    QVERIFY(failsAtTheDisk([this] { m_user->restore(sample()); }));
+    QVERIFY(failsAtTheDisk([this] { m_user->store().saveFilledPDF({}, {}, "%PDF"); }));
 }
 
 void TestBackupFaults::aFailedRestoreLeavesTheStore_data()

@@ -7,6 +7,8 @@
 #include <QMap>
 #include <QString>
 
+#include <optional>
+
 inline QByteArray contents(const QString &path)
 {
     QFile file(path);
@@ -34,14 +36,30 @@ inline QMap<QString, QByteArray> tree(const QString &folder)
     return files;
 }
 
-/// The sentence of the error that the action throws; null when it throws none.
+/// The error that the action throws; absent when it throws none.
 template <typename Action>
-QString sentence(Action action)
+std::optional<QSError> errorOf(Action action)
 {
     try {
         action();
     } catch (const QSError &error) {
-        return error.description();
+        return error;
     }
-    return {};
+    return std::nullopt;
+}
+
+/// Its sentence; null when there is none.
+template <typename Action>
+QString sentence(Action action)
+{
+    const std::optional<QSError> error = errorOf(action);
+    return error ? error->description() : QString();
+}
+
+/// True when the action fails at the disk or a file on it.
+template <typename Action>
+bool failsAtTheDisk(Action action)
+{
+    const std::optional<QSError> error = errorOf(action);
+    return error && error->errorCase() == QSError::Case::io;
 }

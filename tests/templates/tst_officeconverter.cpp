@@ -114,8 +114,11 @@ QString TestOfficeConverter::convertFailure(const QString &target)
         return QStringLiteral("no failure, but ") +
                QString::fromUtf8(OfficeConverter::convert("document", target));
     } catch (const QSError &error) {
-        return error.errorCase() == QSError::Case::invalid ? error.payload()
-                                                           : QStringLiteral("another case");
+        const bool disk = error.errorCase() == QSError::Case::io;
+        const bool invalid = error.errorCase() == QSError::Case::invalid;
+        return disk      ? QStringLiteral("disk: ") + error.payload()
+               : invalid ? error.payload()
+                         : QStringLiteral("another case");
     }
 }
 
@@ -158,7 +161,7 @@ void TestOfficeConverter::failures_data()
         << QStringLiteral("LibreOffice wrote a file that is no docx document.");
     QTest::newRow("output that can't be read")
         << QByteArray("ln -s /proc/self/mem $out") // opens, but not even root reads its beginning
-        << QStringLiteral("LibreOffice's document can't be read: Input/output error");
+        << QStringLiteral("disk: LibreOffice's document can't be read: Input/output error");
     QTest::newRow("crash") << QByteArray("kill -SEGV $$")
                            << QStringLiteral("LibreOffice broke down.");
 }

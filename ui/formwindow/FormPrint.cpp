@@ -107,8 +107,8 @@ void writeFile(const QSPDFDocument &document, const QPrinter &printer)
     try {
         QSFile::write(printer.outputFileName(), pdf);
     } catch (const QSError &error) {
-        throw QSError::invalid(u"\"%1\" could not be written: %2"_s.arg(printer.outputFileName(),
-                                                                        error.description()));
+        throw QSError::io(u"\"%1\" could not be written: %2"_s.arg(printer.outputFileName(),
+                                                                   error.description()));
     }
 }
 void drawPages(const QSPDFDocument &document, QPrinter &printer,
