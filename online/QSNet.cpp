@@ -17,7 +17,8 @@ using std::chrono::steady_clock;
 namespace {
 using Header = QPair<QByteArray, QByteArray>;
 
-constexpr long redirectLimit = 10;
+constexpr int redirectLimit = 10;
+constexpr int lastAnswer = -1; ///< of those whose headers curl keeps
 /// The longest wait for curl before the clock is looked at again.
 constexpr milliseconds longestWait{1000};
 
@@ -160,11 +161,17 @@ private:
     void configure(CURLSH *share);
     void setHeaders();
     void followTestRoute();
+    /// One question and its answer, which may be a redirect.
+    [[nodiscard]] std::optional<QString> ask(CURLM *multi, const std::stop_token &stop);
     [[nodiscard]] std::optional<QString> drive(CURLM *multi, const std::stop_token &stop);
     [[nodiscard]] std::optional<QString> outcome(CURLM *multi) const;
     /// Changes whenever something has come from the site.
     [[nodiscard]] std::pair<curl_off_t, long> received() const;
     [[nodiscard]] bool hasEnough() const;
+    /// Where the answer leads on to, whole; null when it is the last one.
+    [[nodiscard]] const char *redirect() const;
+    /// The same while the answer is still coming.
+    [[nodiscard]] bool isRedirect() const;
     /// curl's way to hand over a piece of the body; any other number than its size ends it all.
     static size_t take(char *data, size_t one, size_t size, void *self) noexcept;
 
@@ -195,9 +202,6 @@ void Transfer::configure(CURLSH *share)
     curl_easy_setopt(easy, CURLOPT_QUICK_EXIT, 1L);
     curl_easy_setopt(easy, CURLOPT_URL, m_request.url.toUtf8().constData());
     curl_easy_setopt(easy, CURLOPT_PROTOCOLS_STR, "https");
-    curl_easy_setopt(easy, CURLOPT_REDIR_PROTOCOLS_STR, "https");
-    curl_easy_setopt(easy, CURLOPT_FOLLOWLOCATION, 1L);
-    curl_easy_setopt(easy, CURLOPT_MAXREDIRS, redirectLimit);
     curl_easy_setopt(easy, CURLOPT_CONNECTTIMEOUT_MS,
                      static_cast<long>(m_request.idleTimeout.count()));
     curl_easy_setopt(easy, CURLOPT_WRITEFUNCTION, &Transfer::take);
@@ -251,6 +255,21 @@ void Transfer::followTestRoute()
 }
 
 std::optional<QString> Transfer::run(CURLM *multi, const std::stop_token &stop)
+{
+    for (int redirects = 0; redirects <= redirectLimit; ++redirects) {
+        if (std::optional<QString> error = ask(multi, stop)) {
+            return error;
+        }
+        const QByteArray next = redirect();
+        if (next.isNull()) {
+            return std::nullopt;
+        }
+        curl_easy_setopt(m_easy.get(), CURLOPT_URL, next.constData());
+    }
+    return reasonFor(CURLE_TOO_MANY_REDIRECTS, "");
+}
+
+std::optional<QString> Transfer::ask(CURLM *multi, const std::stop_token &stop)
 {
     if (const CURLMcode code = curl_multi_add_handle(multi, m_easy.get()); code != CURLM_OK) {
         return QString::fromUtf8(curl_multi_strerror(code));
@@ -314,9 +333,32 @@ bool Transfer::hasEnough() const
     return m_request.enough && m_body.size() >= *m_request.enough;
 }
 
+const char *Transfer::redirect() const
+{
+    const char *url = nullptr;
+    curl_easy_getinfo(m_easy.get(), CURLINFO_REDIRECT_URL, &url);
+    return url;
+}
+
+bool Transfer::isRedirect() const
+{
+    constexpr long first = 300;
+    constexpr long last = 399;
+    long status = 0;
+    curl_easy_getinfo(m_easy.get(), CURLINFO_RESPONSE_CODE, &status);
+    curl_header *location = nullptr;
+    return status >= first && status <= last &&
+           curl_easy_header(m_easy.get(), "Location", 0, CURLH_HEADER, lastAnswer, &location) ==
+               CURLHE_OK &&
+           *location->value != '\0';
+}
+
 size_t Transfer::take(char *data, size_t /*one*/, size_t size, void *self) noexcept
 {
     auto *transfer = static_cast<Transfer *>(self);
+    if (transfer->isRedirect()) {
+        return size; // its page is for browsers that don't follow
+    }
     const qint64 wanted = transfer->m_request.enough.value_or(QSNet::bodyLimit);
     const qint64 room = std::min(wanted, QSNet::bodyLimit) - transfer->m_body.size();
     const qint64 came = static_cast<qint64>(size);
@@ -338,7 +380,6 @@ QSNet::Response Transfer::response() const
     QSNet::Response response{
         .status = static_cast<int>(status), .finalURL = QString::fromUtf8(url), .headers = {}};
 
-    constexpr int lastAnswer = -1;
     curl_header *header = nullptr;
     while ((header = curl_easy_nextheader(m_easy.get(), CURLH_HEADER, lastAnswer, header)) !=
            nullptr) {
