@@ -19,6 +19,8 @@ namespace QSLinkChecker {
 namespace {
 /// Where a PDF says what it is; no more of a form is fetched.
 constexpr qint64 enoughBytes = 2048;
+/// For each of the two questions: so little comes in this time from every site that answers.
+constexpr std::chrono::minutes longestQuestion{2};
 
 bool isGood(const QSNet::Response &response)
 {
@@ -184,16 +186,20 @@ Check check(const QSDirectory::Link &link, const std::stop_token &stop)
         result.note = u"not a valid link"_s;
         return result;
     }
-    const QSNet::Answer head =
-        QSNet::fetch({.url = link.url, .method = QSNet::Request::Method::head}, stop);
+    const QSNet::Answer head = QSNet::fetch(
+        {.url = link.url, .method = QSNet::Request::Method::head, .wholeTimeout = longestQuestion},
+        stop);
     if (!link.expectPDF && head.response && isGood(*head.response)) {
         result = answered(result, *head.response);
         result.ok = true;
         return result;
     }
     const QByteArray range = "bytes=0-" + QByteArray::number(enoughBytes - 1);
-    const QSNet::Answer get =
-        QSNet::fetch({.url = link.url, .headers = {{"Range", range}}, .enough = enoughBytes}, stop);
+    const QSNet::Answer get = QSNet::fetch({.url = link.url,
+                                            .headers = {{"Range", range}},
+                                            .wholeTimeout = longestQuestion,
+                                            .enough = enoughBytes},
+                                           stop);
     if (!get.response) {
         result.note = get.error.value_or(u"no answer"_s);
         return result;

@@ -19,11 +19,17 @@ using Header = QPair<QByteArray, QByteArray>;
 
 constexpr int redirectLimit = 10;
 constexpr int lastAnswer = -1; ///< of those whose headers curl keeps
+/// For all heads and for the pages of redirects; less than what curl itself takes of heads.
+constexpr qint64 besidesLimit = qint64{256} * 1024;
+/// What has to come in a request's slowTimeout.
+constexpr qint64 leastBytes = 4096;
 /// The longest wait for curl before the clock is looked at again.
 constexpr milliseconds longestWait{1000};
 
 const QString stoppedReason = u"it was stopped"_s;
 const QString silentReason = u"the site did not answer in time"_s;
+const QString slowReason = u"the site sends its answer too slowly"_s;
+const QString endlessReason = u"the site's answer does not end"_s;
 const QString tooLargeReason = u"the file is larger than %1 MB"_s.arg(QSNet::bodyLimit >> 20);
 const QString brokenOffReason = u"the connection broke off before the end"_s;
 
@@ -144,6 +150,52 @@ private:
     curl_slist *m_list = nullptr;
 };
 
+/// How long a transfer is waited for: its times begin anew with what comes, all but the last one.
+class Patience final
+{
+public:
+    explicit Patience(const QSNet::Request &request) : m_request(request) {}
+
+    /// total: the bytes that have come since the beginning.
+    void hear(qint64 total)
+    {
+        const auto now = steady_clock::now();
+        if (total != m_total) {
+            m_total = total;
+            m_heard = now;
+        }
+        if (total - m_counted >= leastBytes) {
+            m_counted = total;
+            m_moved = now;
+        }
+    }
+    /// What is left of it; nothing once it is over.
+    [[nodiscard]] milliseconds left() const
+    {
+        return std::chrono::ceil<milliseconds>(std::min(silence(), slowness()) -
+                                               steady_clock::now());
+    }
+    [[nodiscard]] QString reason() const
+    {
+        return silence() < slowness() ? silentReason : slowReason;
+    }
+
+private:
+    using Time = steady_clock::time_point;
+    [[nodiscard]] Time silence() const { return m_heard + m_request.idleTimeout; }
+    [[nodiscard]] Time slowness() const
+    {
+        return std::min(m_moved + m_request.slowTimeout, m_begun + m_request.wholeTimeout);
+    }
+
+    const QSNet::Request &m_request;
+    const Time m_begun = steady_clock::now();
+    Time m_heard = m_begun;
+    Time m_moved = m_begun; ///< at m_counted
+    qint64 m_total = 0;
+    qint64 m_counted = 0;
+};
+
 /// One request on its way.
 class Transfer final
 {
@@ -165,8 +217,6 @@ private:
     [[nodiscard]] std::optional<QString> ask(CURLM *multi, const std::stop_token &stop);
     [[nodiscard]] std::optional<QString> drive(CURLM *multi, const std::stop_token &stop);
     [[nodiscard]] std::optional<QString> outcome(CURLM *multi) const;
-    /// Changes whenever something has come from the site.
-    [[nodiscard]] std::pair<curl_off_t, long> received() const;
     [[nodiscard]] bool hasEnough() const;
     /// Where the answer leads on to, whole; null when it is the last one.
     [[nodiscard]] const char *redirect() const;
@@ -174,18 +224,25 @@ private:
     [[nodiscard]] bool isRedirect() const;
     /// curl's way to hand over a piece of the body; any other number than its size ends it all.
     static size_t take(char *data, size_t one, size_t size, void *self) noexcept;
+    /// The same for a line of a head.
+    static size_t takeLine(char *line, size_t one, size_t size, void *self) noexcept;
+    /// Counts what is not kept; the number to give curl.
+    [[nodiscard]] size_t pass(size_t size) noexcept;
 
     const QSNet::Request &m_request;
     HeaderList m_headers;
     HeaderList m_route;
     std::array<char, CURL_ERROR_SIZE> m_details{};
+    Patience m_patience;
     QByteArray m_body;
+    qint64 m_besides = 0;  ///< bytes of heads and of redirects' pages
     bool m_cutOff = false; ///< by take(), for good or ill
     std::unique_ptr<CURL, decltype(&curl_easy_cleanup)> m_easy{curl_easy_init(),
                                                                &curl_easy_cleanup};
 };
 
-Transfer::Transfer(const QSNet::Request &request, const Shared &shared) : m_request(request)
+Transfer::Transfer(const QSNet::Request &request, const Shared &shared)
+    : m_request(request), m_patience(request)
 {
     configure(shared.handle());
     setHeaders();
@@ -206,6 +263,8 @@ void Transfer::configure(CURLSH *share)
                      static_cast<long>(m_request.idleTimeout.count()));
     curl_easy_setopt(easy, CURLOPT_WRITEFUNCTION, &Transfer::take);
     curl_easy_setopt(easy, CURLOPT_WRITEDATA, this);
+    curl_easy_setopt(easy, CURLOPT_HEADERFUNCTION, &Transfer::takeLine);
+    curl_easy_setopt(easy, CURLOPT_HEADERDATA, this);
     if (m_request.method == QSNet::Request::Method::head) {
         curl_easy_setopt(easy, CURLOPT_NOBODY, 1L);
     } else if (!m_request.enough) {
@@ -282,8 +341,6 @@ std::optional<QString> Transfer::ask(CURLM *multi, const std::stop_token &stop)
 std::optional<QString> Transfer::drive(CURLM *multi, const std::stop_token &stop)
 {
     const std::stop_callback wake(stop, [multi] { curl_multi_wakeup(multi); });
-    auto lastHeard = steady_clock::now();
-    auto before = received();
     while (!stop.stop_requested()) {
         int running = 0;
         const CURLMcode code = curl_multi_perform(multi, &running);
@@ -293,14 +350,10 @@ std::optional<QString> Transfer::drive(CURLM *multi, const std::stop_token &stop
         if (running == 0) {
             return outcome(multi);
         }
-        const auto now = steady_clock::now();
-        if (const auto after = received(); after != before) {
-            before = after;
-            lastHeard = now;
-        }
-        const auto left = std::chrono::ceil<milliseconds>(lastHeard + m_request.idleTimeout - now);
+        m_patience.hear(m_besides + m_body.size());
+        const milliseconds left = m_patience.left();
         if (left.count() <= 0) {
-            return silentReason;
+            return m_patience.reason();
         }
         curl_multi_poll(multi, nullptr, 0, static_cast<int>(std::min(left, longestWait).count()),
                         nullptr);
@@ -316,16 +369,10 @@ std::optional<QString> Transfer::outcome(CURLM *multi) const
     if (code == CURLE_OK || (m_cutOff && hasEnough())) {
         return std::nullopt;
     }
+    if (m_besides > besidesLimit) {
+        return endlessReason;
+    }
     return m_cutOff ? tooLargeReason : reasonFor(code, m_details.data());
-}
-
-std::pair<curl_off_t, long> Transfer::received() const
-{
-    curl_off_t body = 0;
-    long headers = 0;
-    curl_easy_getinfo(m_easy.get(), CURLINFO_SIZE_DOWNLOAD_T, &body);
-    curl_easy_getinfo(m_easy.get(), CURLINFO_HEADER_SIZE, &headers);
-    return {body, headers};
 }
 
 bool Transfer::hasEnough() const
@@ -357,7 +404,7 @@ size_t Transfer::take(char *data, size_t /*one*/, size_t size, void *self) noexc
 {
     auto *transfer = static_cast<Transfer *>(self);
     if (transfer->isRedirect()) {
-        return size; // its page is for browsers that don't follow
+        return transfer->pass(size); // its page is for browsers that don't follow
     }
     const qint64 wanted = transfer->m_request.enough.value_or(QSNet::bodyLimit);
     const qint64 room = std::min(wanted, QSNet::bodyLimit) - transfer->m_body.size();
@@ -369,6 +416,17 @@ size_t Transfer::take(char *data, size_t /*one*/, size_t size, void *self) noexc
     const bool goesOn = announced != transfer->m_body.size();
     transfer->m_cutOff = came > room || (transfer->hasEnough() && goesOn);
     return transfer->m_cutOff ? 0 : size;
+}
+
+size_t Transfer::takeLine(char * /*line*/, size_t /*one*/, size_t size, void *self) noexcept
+{
+    return static_cast<Transfer *>(self)->pass(size);
+}
+
+size_t Transfer::pass(size_t size) noexcept
+{
+    m_besides += static_cast<qint64>(size);
+    return m_besides > besidesLimit ? 0 : size;
 }
 
 QSNet::Response Transfer::response() const

@@ -32,8 +32,13 @@ struct Request
     Method method = Method::get;
     /// Besides the fixed ones, which these can't replace.
     QList<QPair<QByteArray, QByteArray>> headers = {};
-    /// How long the site may send nothing at all. A transfer that moves has no limit.
+    /// How long the site may send nothing at all.
     std::chrono::milliseconds idleTimeout = std::chrono::seconds(60);
+    /// How long the site may send next to nothing: less than a few thousand bytes.
+    std::chrono::milliseconds slowTimeout = std::chrono::minutes(3);
+    /// How long it all may take, redirects included. A form of 10 MB comes in time on the slowest
+    /// line that is still in use.
+    std::chrono::milliseconds wholeTimeout = std::chrono::hours(2);
     /// Enough of the body for the caller: the transfer ends well there. Absent: all of it.
     std::optional<qint64> enough = {};
 };
@@ -58,7 +63,8 @@ struct Answer
 };
 
 /// Performs one request and waits for its end; never on the main thread. A body shorter than
-/// announced, larger than bodyLimit, or stopped is an error. Never throws.
+/// announced, larger than bodyLimit, or stopped is an error, and so are heads and redirects without
+/// end. Never throws.
 [[nodiscard]] Answer fetch(const Request &request, const std::stop_token &stop = {});
 
 /// True for links to the California courts, whose terms do not allow automated checks: people

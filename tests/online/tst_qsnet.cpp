@@ -18,6 +18,7 @@ const QString form = u"https://forms.example.gov/form.pdf"_s;
 const QString tooLarge = u"the file is larger than 64 MB"_s;
 const QString brokenOff = u"the connection broke off before the end"_s;
 const QString tooSilent = u"the site did not answer in time"_s;
+const QString endless = u"the site's answer does not end"_s;
 const QString insecure = u"its link is not a secure one (https)"_s;
 const QString malformed = u"its link is not a proper web address"_s;
 
@@ -159,6 +160,10 @@ private Q_SLOTS:
         const auto answered = [](const char *rule, const Answer &answer, const QString &error) {
             QTest::newRow(rule) << form << answer << error;
         };
+        Answer leadingOn = Answer::redirect("https://steps.example.gov/0");
+        leadingOn.unannounced = true;
+        leadingOn.dripBytes = 1 << 16;
+        leadingOn.endless = "<p>further on</p>";
         answered("a redirect to http", Answer::redirect("http://forms.example.gov/"), insecure);
         answered("an eleventh redirect", Answer::redirect("https://steps.example.gov/10"),
                  u"the site passes requests on without end"_s);
@@ -171,6 +176,18 @@ private Q_SLOTS:
                   .drip = 1ms,
                   .dripBytes = 1 << 20},
                  tooLarge);
+        answered("header lines without end",
+                 {.status = 0,
+                  .body = "HTTP/1.1 200 \r\n",
+                  .dripBytes = 1 << 16,
+                  .endless = "X-More: and more\r\n"},
+                 endless);
+        answered("provisional answers without end",
+                 {.status = 0,
+                  .dripBytes = 1 << 16,
+                  .endless = "HTTP/1.1 103 \r\nLink: </style>\r\n\r\n"},
+                 endless);
+        answered("a redirect that does not end", leadingOn, endless);
         answered("silence from the start", {.silent = true}, tooSilent);
         answered("silence inside the body", {.body = "%PDF", .announced = 9}, tooSilent);
 
@@ -198,6 +215,49 @@ private Q_SLOTS:
         const QSNet::Answer came = QSNet::fetch({.url = url, .idleTimeout = 400ms});
         QCOMPARE(came.error.value_or(QString()), error);
         QVERIFY(!came.body && !came.response);
+    }
+
+    /// Each piece of them comes well within the time for silence.
+    void whatDripsIsNotWaitedFor_data()
+    {
+        QTest::addColumn<Answer>("answer");
+        QTest::addColumn<QSNet::Request>("request");
+        const QSNet::Request urgent{.url = form, .wholeTimeout = 700ms};
+        const QSNet::Request lively{.url = form, .slowTimeout = 700ms};
+        const auto row = [](const char *rule, int status, const QByteArray &line,
+                            const QSNet::Request &request) {
+            const Answer answer{.status = status,
+                                .headers = {{"Location", "/further"}},
+                                .unannounced = true,
+                                .drip = 50ms,
+                                .dripBytes = line.size(),
+                                .endless = line};
+            QTest::newRow(rule) << answer << request;
+        };
+        const QByteArray provisional = "HTTP/1.1 103 \r\nLink: </style>\r\n\r\n";
+        row("a body in all", 200, "x", urgent);
+        row("a body in its time", 200, "x", lively);
+        row("a redirect in all", 302, "x", urgent);
+        row("a redirect in its time", 302, "x", lively);
+        row("provisional answers in all", 0, provisional, urgent);
+        row("provisional answers in their time", 0, provisional, lively);
+    }
+    void whatDripsIsNotWaitedFor()
+    {
+        QFETCH(const Answer, answer);
+        QFETCH(const QSNet::Request, request);
+        m_server->answer(form, {answer});
+        QCOMPARE(QSNet::fetch(request).error, u"the site sends its answer too slowly"_s);
+    }
+
+    void redirectsShareOneTime()
+    {
+        Answer step = Answer::redirect("/form.pdf");
+        step.delay = 150ms;
+        m_server->answer(form, {step});
+        const QSNet::Request request{.url = form, .idleTimeout = 1s, .wholeTimeout = 600ms};
+        QCOMPARE(QSNet::fetch(request).error, u"the site sends its answer too slowly"_s);
+        QVERIFY(m_server->requests().size() < 10);
     }
 
     void networkLostAndBack()

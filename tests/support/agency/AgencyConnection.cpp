@@ -85,6 +85,9 @@ bool isBare(const AgencyServer::Answer &answer)
 
 QByteArray headOf(const AgencyServer::Answer &answer)
 {
+    if (answer.status == 0) {
+        return {};
+    }
     QByteArray head = "HTTP/1.1 " + QByteArray::number(answer.status) + " \r\n";
     for (const auto &[name, value] : answer.headers) {
         head += name + ": " + value + "\r\n";
@@ -126,11 +129,13 @@ void AgencyConnection::reply(const AgencyServer::Request &request,
 {
     m_socket->write(headOf(answer));
     m_hangUp = answer.unannounced || answer.cutAfter >= 0;
-    m_rest = request.method == "HEAD" || isBare(answer) ? QByteArray() : answer.body;
+    const bool endsWithHead = answer.status != 0 && (request.method == "HEAD" || isBare(answer));
+    m_rest = endsWithHead ? QByteArray() : answer.body;
+    m_endless = endsWithHead ? QByteArray() : answer.endless;
     if (answer.cutAfter >= 0) {
         m_rest.truncate(answer.cutAfter);
     }
-    if (answer.drip.count() == 0) {
+    if (answer.drip.count() == 0 && m_endless.isEmpty()) {
         sendPiece(m_rest.size());
         return;
     }
@@ -141,6 +146,14 @@ void AgencyConnection::reply(const AgencyServer::Request &request,
 
 void AgencyConnection::sendPiece(qsizetype size)
 {
+    constexpr qint64 enoughWaiting = 1 << 20;
+    if (!m_endless.isEmpty() &&
+        m_socket->bytesToWrite() + m_socket->encryptedBytesToWrite() > enoughWaiting) {
+        return;
+    }
+    while (!m_endless.isEmpty() && m_rest.size() <= size) {
+        m_rest += m_endless;
+    }
     m_socket->write(m_rest.left(size));
     m_rest.remove(0, size);
     if (!m_rest.isEmpty()) {

@@ -25,6 +25,7 @@ private:
     AgencyOffice &m_office;
     QByteArray m_received;
     QByteArray m_rest; ///< of the body, still to be sent
+    QByteArray m_endless;
     QTimer m_drip;
     bool m_hangUp = false;
     std::optional<AgencyOffice::Busy> m_busy;

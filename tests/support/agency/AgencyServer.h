@@ -34,6 +34,9 @@ public:
         std::chrono::milliseconds drip{0};  ///< between pieces of the body
         qsizetype dripBytes = 1;            ///< size of a piece
         bool silent = false;                ///< takes the request and never says a word
+        /// Comes after the body over and over, in pieces like those of a drip, until the other side
+        /// hangs up. A status of 0 sends no head, so that body and this are the whole answer.
+        QByteArray endless = {};
 
         [[nodiscard]] static Answer pdf(const QByteArray &body, const QByteArray &etag = {});
         [[nodiscard]] static Answer html(const QByteArray &body, int status = 200);
