@@ -300,6 +300,21 @@ private:
     std::optional<Copy> m_copy;
 };
 
+/// Whether a valid file has its own end. Readers repair what was cut off, and its last pages are
+/// gone for good.
+bool hasEnd(const QByteArray &data, const QSEntry &entry)
+{
+    constexpr qsizetype longestZipEnd = 22 + 65'535; // the record and its comment
+    switch (entry.kind) {
+    case QSKind::pdf:
+        return QSPDFDocument::isSound(data);
+    case QSKind::document:
+        return data.last(std::min(data.size(), longestZipEnd)).contains("PK\5\6");
+    default:
+        return true;
+    }
+}
+
 bool opensInBrowser(const QSEntry &entry)
 {
     return !QSKinds::info(entry.kind).downloads || entry.browserOnly ||
@@ -386,6 +401,9 @@ Result obtain(const QSEntry &entry, bool forceCheck, const QDateTime &now,
     if (!answer.body || !valid(*answer.body, entry)) {
         const QString promised = entry.kind == QSKind::pdf ? u"PDF"_s : u"file"_s;
         return opening.badLink(u"the official site did not send a valid "_s + promised);
+    }
+    if (!answer.response->endIsTold && !hasEnd(*answer.body, entry)) {
+        return opening.unreachable(u"the connection broke off before the end"_s);
     }
     return opening.downloaded(*answer.body, *answer.response);
 }

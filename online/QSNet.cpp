@@ -222,6 +222,10 @@ private:
     [[nodiscard]] const char *redirect() const;
     /// The same while the answer is still coming.
     [[nodiscard]] bool isRedirect() const;
+    /// Of the latest answer; empty when it has none.
+    [[nodiscard]] QByteArray header(const char *name) const;
+    /// By a size announced, by chunks or by the protocol's own frames.
+    [[nodiscard]] bool endIsTold() const;
     /// curl's way to hand over a piece of the body; any other number than its size ends it all.
     static size_t take(char *data, size_t one, size_t size, void *self) noexcept;
     /// The same for a line of a head.
@@ -393,11 +397,15 @@ bool Transfer::isRedirect() const
     constexpr long last = 399;
     long status = 0;
     curl_easy_getinfo(m_easy.get(), CURLINFO_RESPONSE_CODE, &status);
-    curl_header *location = nullptr;
-    return status >= first && status <= last &&
-           curl_easy_header(m_easy.get(), "Location", 0, CURLH_HEADER, lastAnswer, &location) ==
-               CURLHE_OK &&
-           *location->value != '\0';
+    return status >= first && status <= last && !header("Location").isEmpty();
+}
+
+QByteArray Transfer::header(const char *name) const
+{
+    curl_header *found = nullptr;
+    const CURLHcode code =
+        curl_easy_header(m_easy.get(), name, 0, CURLH_HEADER, lastAnswer, &found);
+    return code == CURLHE_OK ? found->value : QByteArray();
 }
 
 size_t Transfer::take(char *data, size_t /*one*/, size_t size, void *self) noexcept
@@ -429,14 +437,26 @@ size_t Transfer::pass(size_t size) noexcept
     return m_besides > besidesLimit ? 0 : size;
 }
 
+bool Transfer::endIsTold() const
+{
+    curl_off_t announced = -1;
+    long version = 0;
+    curl_easy_getinfo(m_easy.get(), CURLINFO_CONTENT_LENGTH_DOWNLOAD_T, &announced);
+    curl_easy_getinfo(m_easy.get(), CURLINFO_HTTP_VERSION, &version);
+    return announced >= 0 || version >= CURL_HTTP_VERSION_2_0 ||
+           header("Transfer-Encoding").toLower().contains("chunked");
+}
+
 QSNet::Response Transfer::response() const
 {
     long status = 0;
     const char *url = nullptr;
     curl_easy_getinfo(m_easy.get(), CURLINFO_RESPONSE_CODE, &status);
     curl_easy_getinfo(m_easy.get(), CURLINFO_EFFECTIVE_URL, &url);
-    QSNet::Response response{
-        .status = static_cast<int>(status), .finalURL = QString::fromUtf8(url), .headers = {}};
+    QSNet::Response response{.status = static_cast<int>(status),
+                             .finalURL = QString::fromUtf8(url),
+                             .headers = {},
+                             .endIsTold = endIsTold()};
 
     curl_header *header = nullptr;
     while ((header = curl_easy_nextheader(m_easy.get(), CURLH_HEADER, lastAnswer, header)) !=

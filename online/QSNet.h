@@ -48,6 +48,8 @@ struct Response
     int status = 0;
     QString finalURL;                      ///< after redirects
     QHash<QByteArray, QByteArray> headers; ///< of the answer itself, names in lower case
+    /// False when nothing but hanging up ended the body: it may have been cut off.
+    bool endIsTold = true;
 
     /// A header's text; absent when the site sent none. The name in any case.
     [[nodiscard]] std::optional<QString> header(const QByteArray &name) const;

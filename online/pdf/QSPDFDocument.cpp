@@ -355,6 +355,11 @@ bool QSPDFDocument::isPDF(const QByteArray &bytes)
     return document && (document->isLocked() || document->numPages() > 0);
 }
 
+bool QSPDFDocument::isSound(const QByteArray &bytes)
+{
+    return QpdfFile::isSound(bytes);
+}
+
 QSPDFDocument::QSPDFDocument(std::unique_ptr<Private> data) : d(std::move(data)) {}
 
 QSPDFDocument::~QSPDFDocument() = default;

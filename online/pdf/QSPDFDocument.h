@@ -34,6 +34,8 @@ public:
     /// True when the bytes are a PDF, whatever can be done with it: a file that needs a password is
     /// one too.
     [[nodiscard]] static bool isPDF(const QByteArray &bytes);
+    /// True when a PDF needs no repair to be read. One that was cut off does, and so do others.
+    [[nodiscard]] static bool isSound(const QByteArray &bytes);
 
     ~QSPDFDocument();
     QSPDFDocument(const QSPDFDocument &) = delete;

@@ -48,6 +48,20 @@ QpdfFile::QpdfFile(QByteArray bytes) : m_bytes(std::move(bytes)), m_pdf(silentQp
     m_pdf->processMemoryFile("PDF", m_bytes.constData(), static_cast<size_t>(m_bytes.size()));
 }
 
+bool QpdfFile::isSound(const QByteArray &bytes)
+{
+    const auto pdf = silentQpdf();
+    pdf->setAttemptRecovery(false);
+    try {
+        pdf->processMemoryFile("PDF", bytes.constData(), static_cast<size_t>(bytes.size()));
+        return true;
+    } catch (const QPDFExc &error) {
+        return error.getErrorCode() == qpdf_e_password;
+    } catch (const std::exception &) {
+        return false;
+    }
+}
+
 bool QpdfFile::isPacked() const
 {
     constexpr int inStream = 2; // of a cross-reference table's entries

@@ -18,6 +18,10 @@ public:
     /// Reads a file, repairing what can be repaired; throws QPDFExc.
     explicit QpdfFile(QByteArray bytes);
 
+    /// True when the file reads without any repair, whatever its password; one that was cut off
+    /// doesn't.
+    [[nodiscard]] static bool isSound(const QByteArray &bytes);
+
     [[nodiscard]] QPDF &pdf() const { return *m_pdf; }
     /// True when the file has several objects in one stream, which is small, and lost as a whole
     /// when the file is cut off.

@@ -2,6 +2,7 @@
 #include "AgencyServer.h"
 #include "QSCache.h"
 #include "QSNet.h"
+#include "QpdfFile.h"
 #include "ScratchUser.h"
 #include "SmallDisk.h"
 #include "TestFiles.h"
@@ -253,6 +254,39 @@ private Q_SLOTS:
         m_server->answerOthers(form(oldForm));
         QCOMPARE(open(entry, true).said, u"This official link opens in your web browser."_s);
         QVERIFY(m_server->requests().isEmpty());
+    }
+
+    void whatWasCutOffIsNoForm_data()
+    {
+        QTest::addColumn<QSKind>("kind");
+        QTest::addColumn<QByteArray>("body");
+        QTest::addColumn<bool>("announced");
+        QTest::addColumn<bool>("taken");
+        const QByteArray whole = QpdfFile(smallPDF({})).write();
+        const QByteArray cut = whole.left(whole.lastIndexOf("startxref"));
+        QVERIFY(QSCache::valid(cut, formEntry())); // it can be repaired
+        QTest::newRow("a PDF that ends with the connection")
+            << QSKind::pdf << whole << false << true;
+        QTest::newRow("a part of it") << QSKind::pdf << cut << false << false;
+        QTest::newRow("the same as the agency has it") << QSKind::pdf << cut << true << true;
+        const QByteArray zip = "PK\3\4 content PK\5\6" + QByteArray(18, '\0');
+        QTest::newRow("a Word document that ends with the connection")
+            << QSKind::document << zip << false << true;
+        QTest::newRow("a part of that") << QSKind::document << zip.left(9) << false << false;
+    }
+
+    void whatWasCutOffIsNoForm()
+    {
+        QFETCH(const QSKind, kind);
+        QFETCH(const QByteArray, body);
+        QFETCH(const bool, announced);
+        QFETCH(const bool, taken);
+        m_server->answer(address, {{.body = body, .unannounced = !announced}});
+        const Opened opened = open(formEntry(kind));
+        QCOMPARE(opened.result.has_value(), taken);
+        QCOMPARE(copyBytes(formEntry(kind)), taken ? body : QByteArray());
+        QVERIFY2(taken || opened.said.contains(u": the connection broke off before the end."_s),
+                 qPrintable(opened.said));
     }
 
     void aWordDocumentIsAZip()

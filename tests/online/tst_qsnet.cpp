@@ -135,6 +135,20 @@ private Q_SLOTS:
         QCOMPARE(*came.body, expected.body);
     }
 
+    void onlyHangingUpTellsNoEnd()
+    {
+        const AgencyServer::Headers chunked{{"Transfer-Encoding", "chunked"}};
+        m_server->answer(
+            form, {{.body = "%PDF"},
+                   {.body = "4\r\n%PDF\r\n0\r\n\r\n", .headers = chunked, .unannounced = true},
+                   {.body = "%PDF", .unannounced = true}});
+        for (const bool told : {true, true, false}) {
+            const QSNet::Answer came = QSNet::fetch({form});
+            QCOMPARE(came.body, "%PDF");
+            QCOMPARE(came.response->endIsTold, told);
+        }
+    }
+
     void headersAreThoseOfTheLastAnswer()
     {
         Answer first = Answer::redirect("/new.pdf");
