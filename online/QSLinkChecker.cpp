@@ -15,6 +15,13 @@
 
 using namespace Qt::Literals::StringLiterals;
 
+bool QSLinkChecker::isRefusal(bool browserOnly, int status)
+{
+    constexpr int forbidden = 403;
+    constexpr int tooMany = 429;
+    return browserOnly && (status == forbidden || status == tooMany);
+}
+
 namespace QSLinkChecker {
 namespace {
 /// Where a PDF says what it is; no more of a form is fetched.
@@ -208,7 +215,7 @@ Check check(const QSDirectory::Link &link, const std::stop_token &stop)
     if (isGood(*get.response)) {
         result.note = fault(result, get.body.value_or(QByteArray()), link.expectPDF);
         result.ok = result.note.isEmpty();
-    } else if (link.skip && (result.status == 403 || result.status == 429)) {
+    } else if (isRefusal(link.skip, result.status)) {
         result.note =
             u"this official site blocks automated checks; it opens normally in a web browser"_s;
     }

@@ -12,6 +12,10 @@
 /// becomes a result that is not ok, with a note. Waits for the network, so never on the main
 /// thread.
 namespace QSLinkChecker {
+/// True when the answer is that of a site which the directory leaves to browsers and which turned
+/// the program away: no fault of the link, which opens well in a browser.
+[[nodiscard]] bool isRefusal(bool browserOnly, int status);
+
 struct Check
 {
     QString label;

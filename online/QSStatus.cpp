@@ -3,6 +3,7 @@
 #include "QSDate.h"
 #include "QSDirectory.h"
 #include "QSInfo.h"
+#include "QSLinkChecker.h"
 #include "QSMutation.h"
 #include "QSNet.h"
 
@@ -26,10 +27,17 @@ struct Listing
     bool isStale;
 };
 
-/// Whether a stored check says more than the listing: a problem does, an old success does not.
-bool counts(const std::optional<QSLinkCheck> &check, const QDateTime &now)
+bool isRefusal(const QSEntry &entry, const std::optional<QSLinkCheck> &check)
 {
-    return check && (!check->ok || QSDate::days(check->checked, now) <= QSInfo::staleAfterDays);
+    return check && !check->ok && QSLinkChecker::isRefusal(entry.browserOnly, check->status);
+}
+
+/// Whether a stored check says more than the listing: a problem does, an old success does not, and
+/// a site that turned the program away said nothing of its page.
+bool counts(const QSEntry &entry, const std::optional<QSLinkCheck> &check, const QDateTime &now)
+{
+    return check && !isRefusal(entry, check) &&
+           (!check->ok || QSDate::days(check->checked, now) <= QSInfo::staleAfterDays);
 }
 
 QDate dayOf(const QSLinkCheck &check)
@@ -56,7 +64,7 @@ QSStatus::S QSStatus::link(const QSEntry &entry, const std::optional<QSLinkCheck
                 "automated checks; opening the form checks it."_s.arg(listing.text, limit),
                 staleSymbol};
     }
-    if (counts(lastCheck, now)) {
+    if (counts(entry, lastCheck, now)) {
         const QString day = QSDate::longFormat(dayOf(*lastCheck));
         if (!lastCheck->ok && !QSMutation::on(u"forget-broken-link")) {
             const QString answer =
@@ -68,12 +76,16 @@ QSStatus::S QSStatus::link(const QSEntry &entry, const std::optional<QSLinkCheck
         }
         return {0, u"Link checked online %1"_s.arg(day), u"checkmark.seal.fill"_s};
     }
+    const bool isRefused = isRefusal(entry, lastCheck);
+    const QString refusal =
+        u"This official site blocks automated checks; it opens normally in a web browser."_s;
     if (!listing.isStale) {
-        return {0, u"Checked %1"_s.arg(listing.text), u"checkmark.seal.fill"_s};
+        const QString text = u"Checked %1"_s.arg(listing.text);
+        return {0, isRefused ? text + u". "_s + refusal : text, u"checkmark.seal.fill"_s};
     }
-    return {1,
-            u"Last checked %1 — more than %2 days ago. Check the links on the Forms Last Checked "
-            "screen."_s.arg(listing.text, limit),
+    const QString advice =
+        isRefused ? refusal : u"Check the links on the Forms Last Checked screen."_s;
+    return {1, u"Last checked %1 — more than %2 days ago. %3"_s.arg(listing.text, limit, advice),
             staleSymbol};
 }
 
@@ -85,6 +97,6 @@ QSStatus::Checked QSStatus::lastChecked(const QSEntry &entry,
     if (QSNet::isHandChecked(entry.url)) {
         return {Source::byHand, listed};
     }
-    return counts(lastCheck, now) ? Checked{Source::online, dayOf(*lastCheck)}
-                                  : Checked{Source::listed, listed};
+    return counts(entry, lastCheck, now) ? Checked{Source::online, dayOf(*lastCheck)}
+                                         : Checked{Source::listed, listed};
 }

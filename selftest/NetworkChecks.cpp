@@ -16,12 +16,6 @@
 using namespace Qt::Literals::StringLiterals;
 
 namespace {
-/// A site that turns programs away shows its page to people: explained, and no broken link.
-bool isTurnedAway(const QSLinkChecker::Check &check)
-{
-    return check.browserOnly && (check.status == 403 || check.status == 429);
-}
-
 void checkLinks(const QSDirectory &directory, QSTestRun &run)
 {
     QSTestRun::begin(
@@ -34,7 +28,8 @@ void checkLinks(const QSDirectory &directory, QSTestRun &run)
             const QString answer = u"the site answered %1"_s.arg(check.status);
             text += u": "_s + (check.note.isEmpty() ? answer : check.note);
         }
-        run.check(check.ok || isTurnedAway(check), text);
+        const bool explained = QSLinkChecker::isRefusal(check.browserOnly, check.status);
+        run.check(check.ok || explained, text);
     }
 }
 

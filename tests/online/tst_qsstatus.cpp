@@ -13,6 +13,8 @@ namespace {
 const QString form = QStringLiteral("https://bpd.sos.ca.gov/llc-1.pdf"); // the state, not a court
 const QString courtForm = QStringLiteral("https://COURTS.ca.gov/fw-001.pdf");
 
+const QString shyPage = QStringLiteral("https://www.example.gov/"); // of a site for browsers alone
+
 QDateTime onDay(const QString &date, QTime time = {12, 0})
 {
     return {QDate::fromString(date, Qt::ISODate), time};
@@ -53,9 +55,9 @@ private Q_SLOTS:
         QTest::addColumn<QSStatus::S>("status");
         using Listed = std::optional<QString>;
         using Check = std::optional<QSLinkCheck>;
-        const auto row = [](const char *name, const QString &url, const Listed &listed,
+        const auto row = [](const QByteArray &name, const QString &url, const Listed &listed,
                             const Check &check, const QSStatus::S &status) {
-            QTest::newRow(name) << url << listed << check << status;
+            QTest::newRow(name.constData()) << url << listed << check << status;
         };
         // Today is April 1, 2027, shortly after midnight: 120 days after December 2, 2026.
         const QString seal = u"checkmark.seal.fill"_s;
@@ -85,6 +87,22 @@ private Q_SLOTS:
             checked(onDay(u"2026-03-30"_s), false, 0),
             {2, u"Link problem at last check (March 30, 2026, answer none). It may have moved."_s,
              problem.symbol});
+        const QString shy =
+            u" This official site blocks automated checks; it opens normally in a web browser."_s;
+        for (const int answer : {403, 429}) {
+            const QSLinkCheck refusal = checked(onDay(u"2027-03-30"_s), false, answer);
+            row(u"a browser's site answers %1"_s.arg(answer).toUtf8(), shyPage, u"2026-12-02"_s,
+                refusal, {0, u"Checked December 2, 2026."_s + shy, seal});
+            row(u"a browser's site answers %1, listed long ago"_s.arg(answer).toUtf8(), shyPage,
+                u"2026-12-01"_s, refusal,
+                {1, u"Last checked December 1, 2026 — more than 120 days ago."_s + shy, clock});
+        }
+        row("a browser's site has lost it", shyPage, u"2027-03-01"_s,
+            checked(onDay(u"2027-03-30"_s), false, 404), problem);
+        row("another site refuses", form, u"2027-03-01"_s,
+            checked(onDay(u"2027-03-30"_s), false, 403),
+            {2, u"Link problem at last check (March 30, 2027, answer 403). It may have moved."_s,
+             problem.symbol});
         row("a court's link, whatever a check said", courtForm, u"2026-12-02"_s,
             checked(onDay(u"2027-03-30"_s), false, 404),
             {0,
@@ -104,6 +122,7 @@ private Q_SLOTS:
         QFETCH(const QSStatus::S, status);
         QSEntry entry;
         entry.url = url;
+        entry.browserOnly = url == shyPage;
         entry.checked = listed;
         const QDateTime now = onDay(u"2027-04-01"_s, {0, 45});
         const QSStatus::S said = QSStatus::link(entry, check, now);

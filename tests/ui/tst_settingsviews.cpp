@@ -66,6 +66,11 @@ private Q_SLOTS:
         const QDateTime now = QDateTime::currentDateTimeUtc();
         QSStore::shared()->recordLinkCheck({form().url, now, 404, false, {}, {}, {}});
         QSStore::shared()->recordLinkCheck({page, now, 0, false, {}, {}, u"no answer"_s});
+        for (const QSDirectory::Link &link : QSDirectory::shared().allLinks()) {
+            if (link.skip) { // such a site turns programs away, which is no problem
+                QSStore::shared()->recordLinkCheck({link.url, now, 403, false, {}, {}, {}});
+            }
+        }
         QSStore::shared()->touch();
         const QString broken =
             u"%1 (Federal), Link checked online %2, Saved copy downloaded %2, Link problem"_s.arg(
