@@ -180,9 +180,9 @@ public:
                         u"Saved copy downloaded %1."_s.arg(downloadDate()));
     }
 
-    [[nodiscard]] QSNet::Request request() const
+    [[nodiscard]] QSNet::Request request(QSCache::Asker asker) const
     {
-        QSNet::Request request{.url = m_entry.url};
+        QSNet::Request request{.url = m_entry.url, .isAutomatic = asker == QSCache::Asker::program};
         if (canBeConfirmed()) {
             if (m_copy->meta.etag) {
                 request.headers.append({"If-None-Match", m_copy->meta.etag->toUtf8()});
@@ -374,7 +374,7 @@ bool valid(const QByteArray &data, const QSEntry &entry)
 }
 
 Result obtain(const QSEntry &entry, bool forceCheck, const QDateTime &now,
-              const std::stop_token &stop)
+              const std::stop_token &stop, Asker asker)
 {
     if (opensInBrowser(entry)) {
         throw QSError::network(u"This official link opens in your web browser."_s);
@@ -383,7 +383,7 @@ Result obtain(const QSEntry &entry, bool forceCheck, const QDateTime &now,
     if (!forceCheck && opening.canSkipCheck()) {
         return opening.withoutCheck();
     }
-    const QSNet::Answer answer = QSNet::fetch(opening.request(), stop);
+    const QSNet::Answer answer = QSNet::fetch(opening.request(asker), stop);
     if (stop.stop_requested()) {
         throw QSError::network(u"The download was stopped."_s);
     }
@@ -393,7 +393,7 @@ Result obtain(const QSEntry &entry, bool forceCheck, const QDateTime &now,
     const int status = answer.response->status;
     if (status == 304 && opening.canBeConfirmed()) {
         const std::optional<Result> confirmed = opening.confirmed();
-        return confirmed ? *confirmed : obtain(entry, false, now, stop);
+        return confirmed ? *confirmed : obtain(entry, false, now, stop, asker);
     }
     if (status < 200 || status > 299) {
         return opening.badLink(u"the official site answered %1"_s.arg(status));

@@ -62,11 +62,15 @@ void saveMeta(const QSCacheMeta &meta);
 /// Whether the bytes are what the entry promises. An error page sent in a form's place never is.
 [[nodiscard]] bool valid(const QByteArray &data, const QSEntry &entry);
 
+/// Who wants a form: a person who opens it, or the program, which asks for all of them and must not
+/// be led to sites that only people may check.
+enum class Asker { person, program };
+
 /// The form's copy: as it is, checked with the site, downloaded, or the older one where the site
 /// can't be reached or answers badly. Waits for the network, so never on the main thread. Throws
 /// QSError::network when there is nothing to show, and QSError::io when what came can't be kept.
 [[nodiscard]] Result obtain(const QSEntry &entry, bool forceCheck, const QDateTime &now,
-                            const std::stop_token &stop = {});
+                            const std::stop_token &stop = {}, Asker asker = Asker::person);
 
 /// Bytes of all files in the folder; 0 when it can't be listed.
 [[nodiscard]] qint64 cacheSize();

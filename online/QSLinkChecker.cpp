@@ -193,9 +193,11 @@ Check check(const QSDirectory::Link &link, const std::stop_token &stop)
         result.note = u"not a valid link"_s;
         return result;
     }
-    const QSNet::Answer head = QSNet::fetch(
-        {.url = link.url, .method = QSNet::Request::Method::head, .wholeTimeout = longestQuestion},
-        stop);
+    const QSNet::Answer head = QSNet::fetch({.url = link.url,
+                                             .method = QSNet::Request::Method::head,
+                                             .wholeTimeout = longestQuestion,
+                                             .isAutomatic = true},
+                                            stop);
     if (!link.expectPDF && head.response && isGood(*head.response)) {
         result = answered(result, *head.response);
         result.ok = true;
@@ -205,6 +207,7 @@ Check check(const QSDirectory::Link &link, const std::stop_token &stop)
     const QSNet::Answer get = QSNet::fetch({.url = link.url,
                                             .headers = {{"Range", range}},
                                             .wholeTimeout = longestQuestion,
+                                            .isAutomatic = true,
                                             .enough = enoughBytes},
                                            stop);
     if (!get.response) {

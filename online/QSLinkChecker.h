@@ -39,6 +39,7 @@ inline constexpr int parallelChecksPerHost = 2;
 
 /// The directory's links without those that only people may check, in the directory's order.
 [[nodiscard]] QList<QSDirectory::Link> bulkLinks(const QSDirectory &directory);
+/// A redirect to a site that only people may check is not followed; it is what answered.
 [[nodiscard]] Check check(const QSDirectory::Link &link, const std::stop_token &stop = {});
 /// Checks all bulk links, each URL once, whatever fragments it is listed with; results in their
 /// order. progress(done, total) comes from working threads, one call at a time, done rising by one.

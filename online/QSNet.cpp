@@ -324,7 +324,9 @@ std::optional<QString> Transfer::run(CURLM *multi, const std::stop_token &stop)
             return error;
         }
         const QByteArray next = redirect();
-        if (next.isNull()) {
+        const bool isForbidden =
+            m_request.isAutomatic && QSHosts::isHandChecked(QString::fromUtf8(next));
+        if (next.isNull() || isForbidden) {
             return std::nullopt;
         }
         curl_easy_setopt(m_easy.get(), CURLOPT_URL, next.constData());

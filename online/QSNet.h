@@ -39,6 +39,9 @@ struct Request
     /// How long it all may take, redirects included. A form of 10 MB comes in time on the slowest
     /// line that is still in use.
     std::chrono::milliseconds wholeTimeout = std::chrono::hours(2);
+    /// Nobody asked for just this: a redirect to a site that people check by hand is not followed,
+    /// and is the answer.
+    bool isAutomatic = false;
     /// Enough of the body for the caller: the transfer ends well there. Absent: all of it.
     std::optional<qint64> enough = {};
 };

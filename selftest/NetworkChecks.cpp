@@ -51,6 +51,11 @@ void checkFields(const QSEntry &entry, const QByteArray &bytes, QSTestRun &run)
     }
 }
 
+QSCache::Result obtain(const QSEntry &entry, bool forceCheck, const QDateTime &now)
+{
+    return QSCache::obtain(entry, forceCheck, now, {}, QSCache::Asker::program);
+}
+
 /// Returns whether the form's file is in the cache now.
 bool checkDownload(const QSEntry &entry, QSTestRun &run)
 {
@@ -65,7 +70,7 @@ bool checkDownload(const QSEntry &entry, QSTestRun &run)
         return false;
     }
     try {
-        const QSCache::Result copy = QSCache::obtain(entry, false, QDateTime::currentDateTimeUtc());
+        const QSCache::Result copy = obtain(entry, false, QDateTime::currentDateTimeUtc());
         checkFields(entry, QSFile::read(copy.file), run);
         return true;
     } catch (const QSError &error) {
@@ -119,7 +124,7 @@ void checkAgain(const std::optional<QSEntry> &entry, QSTestRun &run)
     }
     try {
         const QDateTime now = QDateTime::currentDateTimeUtc();
-        checkAnswer(*entry, QSCache::obtain(*entry, true, now), now, run);
+        checkAnswer(*entry, obtain(*entry, true, now), now, run);
     } catch (const QSError &error) {
         run.check(false, u"%1: %2"_s.arg(label(*entry), error.description()));
     }

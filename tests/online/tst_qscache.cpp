@@ -256,6 +256,14 @@ private Q_SLOTS:
         QVERIFY(m_server->requests().isEmpty());
     }
 
+    void aPersonIsLedToASiteCheckedByHand()
+    {
+        const QString court = u"https://www.courts.ca.gov/documents/sc100.pdf"_s;
+        m_server->answer(address, {Answer::redirect(court.toLatin1())});
+        m_server->answer(court, {form(oldForm)});
+        QCOMPARE(open(formEntry()).result->meta.finalURL, court);
+    }
+
     void whatWasCutOffIsNoForm_data()
     {
         QTest::addColumn<QSKind>("kind");

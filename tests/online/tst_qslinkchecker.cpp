@@ -143,6 +143,36 @@ private Q_SLOTS:
         QVERIFY2(check.ok, qPrintable(check.note)); // waiting for the rest would end in an error
     }
 
+    void noRedirectLeadsToASiteCheckedByHand_data()
+    {
+        QTest::addColumn<bool>("expectPDF");
+        QTest::addColumn<QString>("note");
+        QTest::newRow("a page that was moved answered") << false << QString();
+        QTest::newRow("a PDF that was moved did not come")
+            << true << u"expected a PDF but the site sent something else"_s;
+    }
+
+    void noRedirectLeadsToASiteCheckedByHand()
+    {
+        QFETCH(const bool, expectPDF);
+        QFETCH(const QString, note);
+        const QString agency = u"https://agency.example/2027"_s;
+        const QString court = u"https://selfhelp.courts.ca.gov/sc100.pdf"_s;
+        m_server->answer(address, {Answer::redirect(agency.toLatin1())});
+        m_server->answer(agency, {Answer::redirect(court.toLatin1(), 302)});
+        m_server->answer(court, {Answer::pdf("%PDF-1.7")});
+        const QSLinkChecker::Check check =
+            QSLinkChecker::check({u"Link"_s, address, false, expectPDF});
+        for (const QList<AgencyServer::Request> asked = m_server->requests();
+             const AgencyServer::Request &request : asked) {
+            QVERIFY(request.url != court);
+        }
+        QCOMPARE(check.status, 302);
+        QCOMPARE(check.finalURL, agency);
+        QCOMPARE(check.note, note);
+        QCOMPARE(check.ok, note.isEmpty());
+    }
+
     void whereItWasMovedAndWhyNothingCame()
     {
         const QString moved = u"https://new.example/form"_s;

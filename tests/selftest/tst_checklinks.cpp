@@ -99,6 +99,26 @@ private Q_SLOTS:
         QCOMPARE(server.requests().isEmpty(), link.isNull());
     }
 
+    void noRedirectLeadsToCaliforniasCourts()
+    {
+        AgencyServer server;
+        const QString court = u"https://www.courts.ca.gov/documents/sc100.pdf"_s;
+        const Answer moved = Answer::redirect(court.toLatin1());
+        const Answer here = form("\"1\"");
+        server.answer(court, {here});
+        server.answer(address, {moved});
+        const QStringList lines = check(entry());
+        QVERIFY2(lines.at(1).startsWith(u"FAIL  CO Form: The form could not be downloaded: the "
+                                        "official site answered 301."),
+                 qPrintable(lines.at(1)));
+        server.answer(address, {here, here, here, moved}); // moved before the second look
+        QVERIFY(check(entry()).constLast().startsWith(u"FAIL  CO Form: The official link has a "));
+        for (const QList<AgencyServer::Request> asked = server.requests();
+             const AgencyServer::Request &request : asked) {
+            QCOMPARE(request.url, address);
+        }
+    }
+
     void theSecondLookPassesWithAnAnswerToItsQuestion_data()
     {
         QTest::addColumn<QList<Answer>>("answers"); // to HEAD, to the two GETs, to the second look
