@@ -14,6 +14,8 @@
 using namespace Qt::Literals::StringLiterals;
 
 namespace {
+using Outcome = PageDrawing::Outcome;
+
 constexpr QSizeF letter(612, 792);
 constexpr double pointsPerInch = 72;
 constexpr double mostDots = 64e6;    // of one drawing: 256 MB, a Letter page at 800 dots per inch
@@ -208,8 +210,8 @@ void PopplerForm::put(const QList<Widget> &widgets)
     }
 }
 
-QImage PopplerForm::render(int page, double dotsPerInch, const QRect &clip,
-                           const std::function<bool()> &cancelled) const
+PageDrawing PopplerForm::render(int page, double dotsPerInch, const QRect &clip,
+                                const std::function<bool()> &cancelled) const
 {
     if (page < 0 || page >= m_sizes.size()) {
         return {};
@@ -217,8 +219,11 @@ QImage PopplerForm::render(int page, double dotsPerInch, const QRect &clip,
     const QRect part = drawnPart(m_sizes.at(page), dotsPerInch, clip);
     Interruption interruption{cancelled, m_pressing};
     const QMutexLocker lock(&m_mutex);
-    if (part.isEmpty() || interruption.isDue()) {
+    if (part.isEmpty()) {
         return {};
+    }
+    if (interruption.isDue()) {
+        return {Outcome::madeWay, {}};
     }
     const auto source = m_document->page(page);
     if (!source) {
@@ -228,11 +233,14 @@ QImage PopplerForm::render(int page, double dotsPerInch, const QRect &clip,
         source->renderToImage(dotsPerInch, dotsPerInch, part.x(), part.y(), part.width(),
                               part.height(), Poppler::Page::Rotate0, nullptr, nullptr,
                               &Interruption::ask, QVariant::fromValue<void *>(&interruption));
-    if (interruption.wasDue || image.isNull()) {
+    if (interruption.wasDue) {
+        return {Outcome::madeWay, {}};
+    }
+    if (image.isNull()) {
         return {};
     }
     drawFields(image, page, dotsPerInch, part.topLeft());
-    return image;
+    return {Outcome::drawn, image};
 }
 
 void PopplerForm::drawFields(QImage &image, int page, double dotsPerInch,

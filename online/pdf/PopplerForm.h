@@ -1,9 +1,9 @@
 #pragma once
 
+#include "PageDrawing.h"
 #include "Widget.h"
 
 #include <QByteArray>
-#include <QImage>
 #include <QList>
 #include <QMutex>
 #include <QRect>
@@ -52,8 +52,8 @@ public:
 
     /// Shows the widgets' values from now on, whatever they were before.
     void put(const QList<Widget> &widgets);
-    [[nodiscard]] QImage render(int page, double dotsPerInch, const QRect &clip,
-                                const std::function<bool()> &cancelled) const;
+    [[nodiscard]] PageDrawing render(int page, double dotsPerInch, const QRect &clip,
+                                     const std::function<bool()> &cancelled) const;
     [[nodiscard]] QString text(int page, const QRectF &rect) const;
     /// The working copy as it was opened.
     [[nodiscard]] const QByteArray &bytes() const { return m_bytes; }

@@ -408,8 +408,8 @@ QList<int> QSPDFDocument::setValue(int id, const FormValue &value)
     return d->setValue(id, value);
 }
 
-QImage QSPDFDocument::render(int page, double dotsPerInch, const QRect &clip,
-                             const std::function<bool()> &cancelled) const
+PageDrawing QSPDFDocument::render(int page, double dotsPerInch, const QRect &clip,
+                                  const std::function<bool()> &cancelled) const
 {
     return d->m_form.render(page, dotsPerInch, clip, cancelled);
 }

@@ -2,9 +2,9 @@
 
 #include "FormFault.h"
 #include "FormField.h"
+#include "PageDrawing.h"
 
 #include <QByteArray>
-#include <QImage>
 #include <QList>
 #include <QRect>
 #include <QSizeF>
@@ -65,13 +65,12 @@ public:
     QList<int> setValue(int id, const FormValue &value);
 
     /// Draws a page with what is typed into it, on white, at so many dots per inch. clip: only that
-    /// part of the page, in dots; everything when it is null. Null when it was cut short, by
-    /// cancelled() returning true or by a call of setValue(); for a page
-    /// that isn't there; and for more than 64 million dots, or a page of more than 32,767 dots
-    /// along a side, which would take all memory. cancelled() is called often and from this thread;
-    /// it must not call the document.
-    [[nodiscard]] QImage render(int page, double dotsPerInch, const QRect &clip = {},
-                                const std::function<bool()> &cancelled = {}) const;
+    /// part of the page, in dots; everything when it is null. Makes way for a call of setValue()
+    /// and when cancelled() returns true. Fails for a page that isn't there, and for more than 64
+    /// million dots, or a page of more than 32,767 dots along a side, which would take all memory.
+    /// cancelled() is called often and from this thread; it must not call the document.
+    [[nodiscard]] PageDrawing render(int page, double dotsPerInch, const QRect &clip = {},
+                                     const std::function<bool()> &cancelled = {}) const;
     /// What is printed on the page inside a rectangle in points, without what is typed into it; all
     /// of it when the rectangle is null.
     [[nodiscard]] QString text(int page, const QRectF &rect = {}) const;

@@ -46,8 +46,8 @@ void tryOut(const QByteArray &bytes)
     try {
         const auto document = QSPDFDocument::open(bytes);
         require(document->pageCount() > 0 && QSPDFDocument::isPDF(bytes));
-        require(document->render(0, 0).isNull());
-        const QImage page = document->render(0, 18, QRect(0, 0, 200, 200));
+        require(document->render(0, 0).image.isNull());
+        const QImage page = document->render(0, 18, QRect(0, 0, 200, 200)).image;
         fillSome(*document);
         save(*document);
         (void)document->flattened();

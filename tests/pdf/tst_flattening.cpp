@@ -82,7 +82,7 @@ void TestFlattening::untouched()
     QFETCH(const QList<QByteArray>, objects);
     const Document document = QSPDFDocument::open(withDrawings(smallPDF(objects, {}, form)));
     QTEST(document->value(0).chosen, "chosen");
-    QTEST(ink(QSPDFDocument::open(document->flattened())->render(0, 72)) > 0, "inked");
+    QTEST(ink(QSPDFDocument::open(document->flattened())->render(0, 72).image) > 0, "inked");
 }
 
 void TestFlattening::readsBack_data()
@@ -150,7 +150,8 @@ void TestFlattening::readsBack()
         if (fault.isEmpty()) {
             verifyPrinted(*each, copy.pdf);
         }
-        QVERIFY(alike(QSPDFDocument::open(copy.pdf)->render(0, 144), each->render(0, 144)));
+        QVERIFY(
+            alike(QSPDFDocument::open(copy.pdf)->render(0, 144).image, each->render(0, 144).image));
     }
 }
 
@@ -277,9 +278,9 @@ void TestFlattening::printsWhatPrints()
     const Document document = QSPDFDocument::open(withDrawings(pdf));
     document->setValue(0, {.text = u"MMM"_s, .on = false, .chosen = {}});
     QCOMPARE(document->fields().at(0).shown, shown);
-    QCOMPARE(ink(document->render(0, 72)) > 0, shown);
+    QCOMPARE(ink(document->render(0, 72).image) > 0, shown);
     const QByteArray flat = document->flattened();
-    QCOMPARE(ink(QSPDFDocument::open(flat)->render(0, 72)) > 0, printed);
+    QCOMPARE(ink(QSPDFDocument::open(flat)->render(0, 72).image) > 0, printed);
     QVERIFY(!askOf(u"pdfinfo"_s, {u"FILE"_s}, flat).contains("AcroForm"));
 }
 

@@ -13,6 +13,7 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace {
 using Kind = FormField::Kind;
+using Outcome = PageDrawing::Outcome;
 using Document = std::shared_ptr<QSPDFDocument>;
 
 /// A value of the field's kind that no other field of the form has, as far as its length allows.
@@ -75,9 +76,10 @@ void verifyAllWaysOut(const QByteArray &pdf, int settable)
     const Document flatDocument = QSPDFDocument::open(flat);
     QVERIFY(flatDocument->fields().isEmpty());
     for (int page = 0; page < document->pageCount(); ++page) {
-        const QImage shown = again->render(page, 100);
+        const QImage shown = again->render(page, 100).image;
         QVERIFY(!shown.isNull());
-        QVERIFY2(alike(flatDocument->render(page, 100), shown), qPrintable(QString::number(page)));
+        QVERIFY2(alike(flatDocument->render(page, 100).image, shown),
+                 qPrintable(QString::number(page)));
     }
 }
 
@@ -239,7 +241,7 @@ void TestQSPDFDocument::showsWhatCannotBeWritten()
 {
     const QByteArray pdf = smallPDF({textField}).replace("/Kids[3 0 R]", "/Kids[3 0 R 2 0 R]");
     const Document document = QSPDFDocument::open(pdf);
-    QVERIFY(document->fields().isEmpty() && !document->render(0, 20).isNull());
+    QVERIFY(document->fields().isEmpty() && !document->render(0, 20).image.isNull());
     QCOMPARE(document->bytes(), pdf);
     QCOMPARE(sentence([&] { (void)document->flattened(); }),
              u"This PDF is damaged, so no flattened copy of it can be made."_s);
@@ -353,12 +355,12 @@ void TestQSPDFDocument::groups()
     QCOMPARE(::states(*document), states);
     const Document again = QSPDFDocument::open(document->bytes());
     QCOMPARE(::states(*again), states);
-    const QImage flat = QSPDFDocument::open(document->flattened())->render(0, 72);
+    const QImage flat = QSPDFDocument::open(document->flattened())->render(0, 72).image;
     for (const FormField &field : document->fields()) {
         const QRect place = field.rect.toRect();
         const bool on = states.at(field.id) == u'1';
         QCOMPARE(ink(flat.copy(place)) > 0, on);
-        QCOMPARE(ink(document->render(0, 72, place)) > 0, on);
+        QCOMPARE(ink(document->render(0, 72, place).image) > 0, on);
     }
 }
 
@@ -423,18 +425,19 @@ void TestQSPDFDocument::acceptsValues()
 void TestQSPDFDocument::drawsWithinLimits()
 {
     const Document document = withValue(textField, u"MMM"_s);
-    const QImage page = document->render(0, 72);
+    const QImage page = document->render(0, 72).image;
     QCOMPARE(page.size(), QSize(200, 200));
     QCOMPARE(page.pixelColor(1, 1), QColor(Qt::white));
     const QRect part(10, 80, 30, 20);
-    QCOMPARE(document->render(0, 72, part), page.copy(part));
-    QVERIFY(document->render(1, 72).isNull());
-    QVERIFY(document->render(0, 72, {}, [] { return true; }).isNull());
+    QCOMPARE(document->render(0, 72, part).image, page.copy(part));
+    QCOMPARE(document->render(1, 72).outcome, Outcome::failed);
+    QCOMPARE(document->render(0, 72, {}, [] { return true; }).outcome, Outcome::madeWay);
     for (const double dotsPerInch :
          {0.0, -72.0, 5000.0, 1e6, 1e300, std::numeric_limits<double>::quiet_NaN()}) {
-        QVERIFY(document->render(0, dotsPerInch).isNull());
+        QCOMPARE(document->render(0, dotsPerInch).outcome, Outcome::failed);
     }
-    QVERIFY(!document->render(0, 5000, QRect(0, 0, 100, 100)).isNull()); // a part of it is small
+    // a part of it is small
+    QCOMPARE(document->render(0, 5000, QRect(0, 0, 100, 100)).outcome, Outcome::drawn);
 }
 
 void TestQSPDFDocument::cutsDrawingShort()
@@ -445,9 +448,9 @@ void TestQSPDFDocument::cutsDrawingShort()
                                lines + "\nendstream endobj\ntrailer");
     const Document document = QSPDFDocument::open(pdf);
     std::atomic<bool> begun = false;
-    QImage image(1, 1, QImage::Format_RGB32);
+    PageDrawing drawing;
     const std::unique_ptr<QThread> thread(QThread::create([&] {
-        image = document->render(0, 300, {}, [&begun] {
+        drawing = document->render(0, 300, {}, [&begun] {
             begun = true;
             return false;
         });
@@ -457,8 +460,9 @@ void TestQSPDFDocument::cutsDrawingShort()
     document->setValue(0, {.text = u"now"_s, .on = false, .chosen = {}});
     QCOMPARE(document->value(0).text, u"now"_s);
     QVERIFY(thread->wait());
-    QVERIFY(image.isNull());
-    QVERIFY(!document->render(0, 20).isNull());
+    QCOMPARE(drawing.outcome, Outcome::madeWay);
+    QVERIFY(drawing.image.isNull());
+    QCOMPARE(document->render(0, 20).outcome, Outcome::drawn);
 }
 
 QTEST_MAIN(TestQSPDFDocument)

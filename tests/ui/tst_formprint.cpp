@@ -146,8 +146,8 @@ private Q_SLOTS:
         QCOMPARE(paper->pageCount(), 2);
         for (int page = 0; page < 2; ++page) { // on sheets of their own size: nothing moved
             QCOMPARE(paper->pageSize(page).toSize(), m_document->pageSize(page).toSize());
-            const QImage wanted = m_document->render(page, 72);
-            const QImage got = paper->render(page, 72);
+            const QImage wanted = m_document->render(page, 72).image;
+            const QImage got = paper->render(page, 72).image;
             QCOMPARE(got.size(), wanted.size());
             for (const QRect &part : {wanted.rect(), QRect(200, 380, 300, 40)}) {
                 QVERIFY(qAbs(ink(got.copy(part)) - ink(wanted.copy(part))) <
@@ -163,7 +163,7 @@ private Q_SLOTS:
         const auto paper = QSPDFDocument::open(contents(printer->outputFileName()));
         QCOMPARE(paper->pageSize(0).toSize(), QSize(612, 792));
         // the dark area stands at the left below, at two thirds of its size
-        const QImage sheet = paper->render(0, 72);
+        const QImage sheet = paper->render(0, 72).image;
         QVERIFY(qAbs(ink(sheet) - 50 * 300 * 0.66 * 0.66) < 800);
     }
 

@@ -84,7 +84,7 @@ void drawPage(QPainter &painter, const QSPDFDocument &document, int page, const 
     const int step = qMax(1, static_cast<int>(dotsAtOnce / dots.width()));
     for (int top = 0; top < dots.height(); top += step) {
         const QRect strip(0, top, dots.width(), qMin(step, dots.height() - top));
-        const QImage drawing = document.render(page, dotsPerInch, strip);
+        const QImage drawing = document.render(page, dotsPerInch, strip).image;
         if (drawing.isNull()) {
             throw QSError::invalid(u"Page %1 could not be drawn."_s.arg(page + 1));
         }

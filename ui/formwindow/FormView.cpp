@@ -333,7 +333,6 @@ FieldControl *FormView::control(int field)
 
 void FormView::refresh(const QList<int> &fields)
 {
-    m_renderer.contentChanged();
     bool typing = false;
     for (const int field : fields) {
         PageSheet *sheet = m_sheets.at(m_document->fields().at(field).page);

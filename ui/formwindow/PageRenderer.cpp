@@ -63,19 +63,18 @@ void PageRenderer::start(Client *client, const Job &job)
 {
     m_waiting = client;
     m_job = job;
-    m_changed = false;
     m_stopped = false;
     m_patience.start();
     m_cancelled = std::make_shared<std::atomic_bool>(false);
     m_pool.start([this, run = ++m_run, document = m_document, cancelled = m_cancelled, job] {
-        const QImage drawing = document->render(job.page, job.dotsPerInch, job.clip,
-                                                [&cancelled] { return cancelled->load(); });
+        const PageDrawing drawing = document->render(job.page, job.dotsPerInch, job.clip,
+                                                     [&cancelled] { return cancelled->load(); });
         QMetaObject::invokeMethod(
             this, [this, run, drawing] { finish(run, drawing); }, Qt::QueuedConnection);
     });
 }
 
-void PageRenderer::finish(int run, const QImage &drawing)
+void PageRenderer::finish(int run, const PageDrawing &drawing)
 {
     if (run != m_run) {
         return;
@@ -83,16 +82,10 @@ void PageRenderer::finish(int run, const QImage &drawing)
     Client *client = std::exchange(m_waiting, nullptr);
     m_patience.stop();
     setSlowPage({});
-    if (!drawing.isNull()) {
-        m_failures = 0;
-        client->take(m_job, drawing);
+    if (drawing.outcome == PageDrawing::Outcome::drawn) {
+        client->take(m_job, drawing.image);
     } else {
-        // Something else may have cut it short; what can't be drawn fails again and again.
-        constexpr int mostFailures = 3;
-        m_failures = m_changed || *m_cancelled ? 0 : m_failures + 1;
-        const bool hopeless = m_stopped || m_failures == mostFailures;
-        m_failures = hopeless ? 0 : m_failures;
-        client->lose(m_job, hopeless);
+        client->lose(m_job, m_stopped || drawing.outcome == PageDrawing::Outcome::failed);
     }
     wake();
 }

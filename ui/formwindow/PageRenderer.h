@@ -11,6 +11,7 @@
 #include <optional>
 
 class QSPDFDocument;
+struct PageDrawing;
 
 /// Draws pages of a form away from the main thread, one at a time. It keeps no queue: whenever it
 /// is idle it asks its clients what they lack now, so that what came into view last is drawn next.
@@ -42,8 +43,7 @@ public:
         /// False when a job that runs is of no use any more.
         [[nodiscard]] virtual bool wants(const Job &job) const = 0;
         virtual void take(const Job &job, const QImage &drawing) = 0;
-        /// The job was cut short and may be asked for again; hopeless when it can't be drawn, as
-        /// far as some tries tell.
+        /// The job made way and may be asked for again; hopeless when it can't be drawn.
         virtual void lose(const Job &job, bool hopeless) = 0;
     };
 
@@ -55,8 +55,6 @@ public:
     void open(const std::shared_ptr<QSPDFDocument> &document, const QList<Client *> &clients);
     /// Something to draw may have come up, or what is being drawn may not be wanted any more.
     void wake();
-    /// A value of the document has changed, which cuts a running drawing short.
-    void contentChanged() { m_changed = true; }
     /// The page whose drawing takes so long that somebody may want to stop it; absent when none
     /// does.
     [[nodiscard]] std::optional<int> slowPage() const { return m_slowPage; }
@@ -68,7 +66,7 @@ Q_SIGNALS:
 
 private:
     void start(Client *client, const Job &job);
-    void finish(int run, const QImage &drawing);
+    void finish(int run, const PageDrawing &drawing);
     void setSlowPage(const std::optional<int> &page);
 
     QThreadPool m_pool; ///< of its own: the shared one may be busy with the network for long
@@ -78,9 +76,7 @@ private:
     Client *m_waiting = nullptr;                   ///< whose job runs; null when idle
     Job m_job;
     int m_run = 0;
-    bool m_changed = false;
     bool m_stopped = false;
     QTimer m_patience; ///< runs out when the job that runs takes long
     std::optional<int> m_slowPage;
-    int m_failures = 0; ///< in a row, without anything that is known to have cut them short
 };
