@@ -3,12 +3,16 @@
 #include <QByteArray>
 #include <QColor>
 #include <QImage>
+#include <QList>
 #include <QPointF>
+#include <QRawFont>
 #include <QRectF>
+#include <QString>
 #include <QTransform>
 
 #include <memory>
 
+class QtFaces;
 class TextLayout;
 // The library's own name for its type.
 using cairo_t = struct _cairo; // NOLINT(bugprone-reserved-identifier)
@@ -54,6 +58,17 @@ public:
     ~PictureCanvas() override;
 };
 
+/// Glyphs of one font that Qt has set, and what they are read as: a letter, one with its marks, or
+/// several that have grown together.
+struct SetGlyphs
+{
+    QRawFont font;
+    double size = 12; ///< of the font on the page, in points
+    QList<quint32> glyphs;
+    QList<QPointF> places; ///< of each glyph on the page
+    QString text;          ///< empty for glyphs that are read together with others
+};
+
 /// Pages of a PDF. Letters are embedded, as few of each font as are used on all pages together, and
 /// can be read and copied again.
 class PagesCanvas final : public TextCanvas
@@ -64,11 +79,17 @@ public:
 
     /// Ends the page before and begins one of this size.
     void beginPage(const QSizeF &size);
+    /// What a PDF says of itself.
+    void setTitle(const QString &title, const QString &creator);
+    using TextCanvas::draw;
+    void draw(const SetGlyphs &set, const QColor &colour);
     /// The PDF; nothing can be drawn afterwards. Throws std::runtime_error when the letters can't
     /// be written.
     [[nodiscard]] QByteArray finish();
 
 private:
     QByteArray m_bytes;
+    std::unique_ptr<QtFaces> m_faces;
     bool m_begun = false;
+    bool m_sizeDiffers = false; ///< by a hair from the one that was asked for
 };

@@ -11,6 +11,7 @@ class TestTextLayout final : public QObject
 private Q_SLOTS:
     void readAgain_data();
     void readAgain();
+    void drawsWhatQtHasSet();
     void namesMissingLetters();
     void measuresInk();
     void cutsWhereTheRoomEnds();
@@ -50,6 +51,25 @@ void TestTextLayout::readAgain()
     read.removeIf(
         [](QChar letter) { return letter.category() == QChar::Other_Format || letter.isSpace(); });
     QCOMPARE(read, QString(text).remove(u' '));
+}
+
+void TestTextLayout::drawsWhatQtHasSet()
+{
+    QFont font(u"Liberation Serif"_s);
+    font.setPixelSize(120);
+    const QRawFont raw = QRawFont::fromFont(font);
+    PagesCanvas canvas;
+    canvas.beginPage({300, 40});
+    canvas.draw({raw, 12, raw.glyphIndexesForString(u"ab"_s), {{10, 20}, {16, 20}}, u"as one"_s},
+                Qt::black);
+    canvas.draw({raw, 12, raw.glyphIndexesForString(u"c"_s), {{100, 20}}, u"c"_s}, Qt::black);
+    const QByteArray pdf = canvas.finish();
+    const QString read = SecondReader::read(pdf, u"pdftotext"_s, {u"-bbox"_s, u"@"_s, u"-"_s});
+    QVERIFY2(read.contains(u"xMin=\"10.0"_s) && read.contains(u">as one</word>"_s) &&
+                 read.contains(u">c</word>"_s),
+             qPrintable(read));
+    const QString fonts = SecondReader::read(pdf, u"pdffonts"_s, {u"@"_s});
+    QCOMPARE(fonts.count(u"+LiberationSerif "_s), 1);
 }
 
 void TestTextLayout::namesMissingLetters()
