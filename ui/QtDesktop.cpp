@@ -4,6 +4,7 @@
 #include "QSInfo.h"
 #include "QSPDFDocument.h"
 #include "VxIcon.h"
+#include "VxText.h"
 #include "formwindow/FormPrint.h"
 
 #include <QApplication>
@@ -103,7 +104,7 @@ int QtDesktop::ask(const Question &question)
     box.setIconPixmap(VxIcon::named(u"questionmark.circle.fill"_s).pixmap(2 * line, 2 * line));
     box.setTextFormat(Qt::PlainText);
     box.setText(question.text);
-    box.setInformativeText(question.detail);
+    box.setInformativeText(VxText::asItStands(question.detail));
     QList<QPushButton *> buttons;
     for (const QString &label : question.buttons) {
         buttons.append(box.addButton(label, QMessageBox::ActionRole));
@@ -128,7 +129,7 @@ void QtDesktop::print(const QSRendered &rendered)
     printer.setDocName(rendered.title);
     printer.setCreator(QSInfo::appName);
     QPrintDialog dialog(&printer, window());
-    dialog.setWindowTitle(u"Print \"%1\""_s.arg(rendered.title));
+    dialog.setWindowTitle(u"Print \"%1\""_s.arg(VxText::asTitle(rendered.title)));
     if (dialog.exec() == QDialog::Accepted) {
         QSExport::print(rendered, printer);
     }
@@ -142,7 +143,7 @@ void QtDesktop::printPDF(const QSPDFDocument &document, const QString &title)
     printer.setDocName(title);
     printer.setCreator(QSInfo::appName);
     QPrintDialog dialog(&printer, window());
-    dialog.setWindowTitle(u"Print \"%1\""_s.arg(title));
+    dialog.setWindowTitle(u"Print \"%1\""_s.arg(VxText::asTitle(title)));
     dialog.setMinMax(1, document.pageCount());
     if (dialog.exec() != QDialog::Accepted) {
         return;

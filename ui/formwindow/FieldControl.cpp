@@ -1,6 +1,7 @@
 #include "FieldControl.h"
 
 #include "FieldControls.h"
+#include "VxText.h"
 
 #include <QAction>
 #include <QContextMenuEvent>
@@ -63,7 +64,7 @@ FieldControl::FieldControl(const FormField &field, QWidget *widget)
     widget->setFocusPolicy(field.isSettable() ? Qt::ClickFocus : Qt::NoFocus);
     widget->setEnabled(field.isSettable());
     widget->setAccessibleName(nameFor(field));
-    widget->setToolTip(nameFor(field));
+    widget->setToolTip(VxText::asItStands(nameFor(field)));
     addPart(widget);
 }
 
@@ -75,7 +76,8 @@ void FieldControl::setFault(const std::optional<FormFault> &fault)
     m_fault = fault;
     const QString words = fault ? fault->inShort() : QString();
     m_widget->setAccessibleDescription(words);
-    m_widget->setToolTip(words.isEmpty() ? nameFor(m_field) : nameFor(m_field) + u'\n' + words);
+    const QString name = nameFor(m_field);
+    m_widget->setToolTip(VxText::asItStands(words.isEmpty() ? name : name + u'\n' + words));
     showParts();
 }
 

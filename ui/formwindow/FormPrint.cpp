@@ -4,6 +4,7 @@
 #include "QSError.h"
 #include "QSFile.h"
 #include "QSPDF.h"
+#include "VxText.h"
 
 #include <QPainter>
 #include <QPrinter>
@@ -161,7 +162,8 @@ void inBackground(const std::function<void(const Progress &)> &work, const QStri
                   QWidget *window)
 {
     static constexpr int soon = 300; // ms, after which a dialog does not only flash up
-    QProgressDialog dialog(u"Printing \"%1\"\u2026"_s.arg(title), u"Stop"_s, 0, 0, window);
+    QProgressDialog dialog({}, u"Stop"_s, 0, 0, window);
+    dialog.setLabel(VxText::make(u"Printing \"%1\"\u2026"_s.arg(title), VxText::Role::body));
     dialog.setWindowModality(Qt::ApplicationModal);
     dialog.setMinimumDuration(soon);
     dialog.setAutoClose(false);

@@ -232,7 +232,7 @@ void FormWindow::showState()
     m_commands->setSaveText(save);
     m_officialPage->setEnabled(session->form().entry.has_value());
     m_status->setText(session->form().status);
-    setWindowTitle(session->form().title + u"[*]"_s);
+    setWindowTitle(VxText::asTitle(session->form().title) + u"[*]"_s);
     setWindowModified(session->hasUnsavedChanges());
 }
 

@@ -16,4 +16,10 @@ enum class Role {
 
 /// A wrapping label of plain text; the caller's layout owns it.
 [[nodiscard]] QLabel *make(const QString &text, Role role, QWidget *parent = nullptr);
+
+/// A text that shows as it stands where Qt guesses the format, as in a tip: there one that looks
+/// like markup would be read as such, and the pictures it names would be opened.
+[[nodiscard]] QString asItStands(const QString &text);
+/// The same for a window's title, in which Qt takes "[*]" for the mark of unsaved changes.
+[[nodiscard]] QString asTitle(const QString &text);
 } // namespace VxText

@@ -1,6 +1,7 @@
 #include "FormsModel.h"
 
 #include "EntryLook.h"
+#include "VxText.h"
 
 #include <algorithm>
 
@@ -19,7 +20,7 @@ QVariant entryData(const QSEntry &entry, const QSStatus::S &status, int role)
         return QStringList{entry.displayTitle(), EntryLook::about(entry), status.text}.join(
             u", "_s);
     case Qt::ToolTipRole:
-        return status.text;
+        return VxText::asItStands(status.text);
     case FormsModel::idRole:
         return entry.id;
     case FormsModel::aboutRole:

@@ -3,6 +3,7 @@
 #include "EntryLook.h"
 #include "QSDate.h"
 #include "QSDirectory.h"
+#include "VxText.h"
 
 #include <algorithm>
 #include <array>
@@ -107,7 +108,7 @@ QVariant LastCheckedModel::data(const QModelIndex &index, int role) const
     case Qt::DisplayRole:
         return column.text(row);
     case Qt::ToolTipRole:
-        return withNote(column.text(row), row);
+        return VxText::asItStands(withNote(column.text(row), row));
     case Qt::AccessibleTextRole: // the first cell is where the arrow keys lead
         return index.column() == formColumn ? whole(row) : column.text(row);
     case Qt::DecorationRole:

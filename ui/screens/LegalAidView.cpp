@@ -45,7 +45,7 @@ public:
         m_title->setText(aid.title);
         m_about->setText(aid.kind + u" \u00B7 "_s + EntryLook::siteOf(aid.url));
         m_button->setAccessibleName(m_button->text() + u", "_s + aid.title);
-        m_button->setToolTip(aid.url);
+        m_button->setToolTip(VxText::asItStands(aid.url));
         m_button->setVisible(!aid.url.isEmpty());
     }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "VxText.h"
+
 #include <QAbstractTableModel>
 #include <QList>
 #include <QString>
@@ -49,8 +51,9 @@ public:
         const Record &record = m_records.at(index.row());
         switch (role) {
         case Qt::DisplayRole:
-        case Qt::ToolTipRole:
             return m_columns.at(index.column()).text(record);
+        case Qt::ToolTipRole:
+            return VxText::asItStands(m_columns.at(index.column()).text(record));
         case recordIDRole:
             return std::optional<qint64>(record.id).value_or(0);
         default:

@@ -88,7 +88,7 @@ void TemplatesView::createList()
             if (each.category == category) {
                 auto *item = new QListWidgetItem(each.title, m_list);
                 item->setData(idRole, each.id);
-                item->setToolTip(each.summary);
+                item->setToolTip(VxText::asItStands(each.summary));
             }
         }
     }
