@@ -5,6 +5,7 @@
 #include "VellHelpCommands.h"
 #include "VellThemeCommands.h"
 #include "VxIcon.h"
+#include "VxText.h"
 #include "VxZoomCommands.h"
 #include "screens/ExportMenu.h"
 
@@ -85,7 +86,7 @@ void MainMenu::createGoMenu()
     for (const Screens::Info &info : Screens::all) {
         const QKeySequence place(u"Ctrl+%1"_s.arg(static_cast<int>(info.screen) + 1));
         menu->addAction(VxIcon::named(info.symbol.toString()),
-                        info.title.toString().replace(u'&', u"&&"_s), place, &m_model,
+                        VxText::asCaption(info.title.toString()), place, &m_model,
                         [this, screen = info.screen] {
                             if (m_model.show(screen)) {
                                 Q_EMIT screenRequested();

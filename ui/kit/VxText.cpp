@@ -31,4 +31,9 @@ QString asTitle(const QString &text)
 {
     return QString(text).replace(u"[*]"_s, u"[*][*]"_s);
 }
+
+QString asCaption(const QString &text)
+{
+    return QString(text).replace(u'&', u"&&"_s);
+}
 } // namespace VxText

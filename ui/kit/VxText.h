@@ -22,4 +22,6 @@ enum class Role {
 [[nodiscard]] QString asItStands(const QString &text);
 /// The same for a window's title, in which Qt takes "[*]" for the mark of unsaved changes.
 [[nodiscard]] QString asTitle(const QString &text);
+/// The same for a button or a menu, where an ampersand marks a letter.
+[[nodiscard]] QString asCaption(const QString &text);
 } // namespace VxText

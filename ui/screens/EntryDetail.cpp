@@ -199,7 +199,7 @@ void EntryDetail::display(const QSEntry *entry)
     m_status.text->setText(status.text);
     m_note->setText(entry->note);
     m_note->setVisible(!entry->note.isEmpty());
-    m_main->setText(EntryLook::buttonText(EntryLook::mainAction(*entry)));
+    m_main->setText(VxText::asCaption(EntryLook::mainAction(*entry)));
     const QSJurisdiction *place = QSDirectory::shared().jurisdiction(entry->j);
     const std::optional<QString> office = place ? place->office(entry->cat) : std::nullopt;
     m_office->setText(office.value_or(QString()));

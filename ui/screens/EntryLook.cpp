@@ -56,9 +56,4 @@ QString siteOf(const QString &url)
     const QString host = QUrl(url).host();
     return host.startsWith("www."_L1) ? host.mid(4) : host;
 }
-
-QString buttonText(const QString &text)
-{
-    return QString(text).replace(u'&', u"&&"_s);
-}
 } // namespace EntryLook

@@ -23,6 +23,4 @@ namespace EntryLook {
 [[nodiscard]] QColor statusColour(int level);
 /// The site of an address, "nycourts.gov"; without the "www.", which tells nobody anything.
 [[nodiscard]] QString siteOf(const QString &url);
-/// A button's text that shows its ampersands instead of underlining what follows them.
-[[nodiscard]] QString buttonText(const QString &text);
 } // namespace EntryLook

@@ -354,7 +354,7 @@ void LastCheckedView::showCurrent()
     const QModelIndex row = m_table->currentIndex();
     m_current->setText(row.data(LastCheckedModel::wholeRole).toString());
     const QString action = entry ? EntryLook::mainAction(*entry) : u"Open"_s;
-    m_main->setText(EntryLook::buttonText(action));
+    m_main->setText(VxText::asCaption(action));
     const QString title = row.siblingAtColumn(0).data().toString();
     const auto offer = [&title](QPushButton *button, const QString &text, bool possible) {
         button->setAccessibleName(title.isEmpty() ? text : text + u", "_s + title);
