@@ -42,11 +42,12 @@ void MainMenu::createFileMenu()
     QMenu *menu = m_window->menuBar()->addMenu(u"&File"_s);
     QMenu *fresh = menu->addMenu(u"&New Document from Template"_s);
     for (const QSTemplate &each : QSTemplates::all()) {
-        connect(fresh->addAction(each.title), &QAction::triggered, this, [this, id = each.id] {
-            if (const QSTemplate *source = QSTemplates::templateById(id)) {
-                m_model.newDocument(*source);
-            }
-        });
+        connect(fresh->addAction(VxText::asCaption(each.title)), &QAction::triggered, this,
+                [this, id = each.id] {
+                    if (const QSTemplate *source = QSTemplates::templateById(id)) {
+                        m_model.newDocument(*source);
+                    }
+                });
     }
     menu->addAction(u"Open the Practice &Form"_s, &m_model, &AppModel::openPractice);
     menu->addSeparator();

@@ -187,7 +187,8 @@ void FinderPage::createFeePages(const QList<QSFinderResult::FeePage> &pages)
     flow->setSpacing(fontMetrics().height() / 2);
     section->addLayout(flow);
     for (const QSFinderResult::FeePage &page : pages) {
-        QPushButton *button = VxButton::make(page.label, u"safari.fill"_s, section->parentWidget());
+        QPushButton *button = VxButton::make(VxText::asCaption(page.label), u"safari.fill"_s,
+                                             section->parentWidget());
         flow->addWidget(button);
         connectLink(button, page.url);
     }
