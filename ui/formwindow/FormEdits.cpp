@@ -4,6 +4,7 @@
 
 #include <QUndoCommand>
 
+#include <algorithm>
 #include <chrono>
 
 using namespace Qt::Literals::StringLiterals;
@@ -14,7 +15,7 @@ namespace {
 constexpr std::chrono::milliseconds restTime = 2s;
 } // namespace
 
-/// One change of one field, with whatever followed it.
+/// One change of a field, or of several at once, with whatever followed it.
 class FormEdits::Change final : public QUndoCommand
 {
 public:
@@ -57,37 +58,50 @@ private:
 
 FormEdits::FormEdits(AppModel &model, QObject *parent) : QObject(parent), m_model(model) {}
 
-void FormEdits::edit(int field, const FormValue &value)
+void FormEdits::editTogether(const Values &values)
 {
-    if (!m_model.openPDF()) { // an input method hands over its last letters when focus leaves
+    // an input method hands over its last letters when focus leaves
+    if (!m_model.openPDF() || values.isEmpty()) {
         return;
     }
+    const int field = values.first().first;
+    const bool alone = values.size() == 1;
     const bool paused = !m_sinceEdit.isValid() || m_sinceEdit.hasExpired(restTime.count());
     const bool typed =
         m_model.openPDF()->document().fields().at(field).kind == FormField::Kind::text;
-    if (paused || !typed) {
+    if (paused || !typed || !alone) {
         endStep();
     }
     m_sinceEdit.start();
-    const Values before = group(field);
-    m_model.setFormValue(field, value);
-    const Values after = group(field);
+    const Values before = groups(values);
+    for (const auto &[id, value] : values) {
+        m_model.setFormValue(id, value);
+    }
+    const Values after = groups(values);
     if (before != after) {
         m_stack.push(std::make_unique<Change>(*this, field, m_step, before, after).release());
     }
+    if (!alone) {
+        endStep();
+    }
 }
 
-FormEdits::Values FormEdits::group(int field) const
+FormEdits::Values FormEdits::groups(const Values &values) const
 {
     const QSPDFDocument &document = m_model.openPDF()->document();
-    const QString &name = document.fields().at(field).name;
-    Values values;
+    const auto belongs = [&](const FormField &each) {
+        return std::ranges::any_of(values, [&](const auto &value) {
+            const QString &name = document.fields().at(value.first).name;
+            return each.id == value.first || (!name.isEmpty() && each.name == name);
+        });
+    };
+    Values found;
     for (const FormField &each : document.fields()) {
-        if (each.id == field || (!name.isEmpty() && each.name == name)) {
-            values.append({each.id, document.value(each.id)});
+        if (belongs(each)) {
+            found.append({each.id, document.value(each.id)});
         }
     }
-    return values;
+    return found;
 }
 
 void FormEdits::restore(int field, const Values &values)

@@ -15,11 +15,16 @@ class FormEdits final : public QObject
     Q_OBJECT
 
 public:
+    /// Values of some fields, by id.
+    using Values = QList<std::pair<int, FormValue>>;
+
     /// The model has to outlive it.
     explicit FormEdits(AppModel &model, QObject *parent = nullptr);
 
     /// Sets a field's value.
-    void edit(int field, const FormValue &value);
+    void edit(int field, const FormValue &value) { editTogether({{field, value}}); }
+    /// Sets the values of several fields, which are undone together and lead back to the first.
+    void editTogether(const Values &values);
     /// What is typed next is a step of its own.
     void endStep() { ++m_step; }
     /// Forgets all: another form is open.
@@ -32,11 +37,9 @@ Q_SIGNALS:
 
 private:
     class Change;
-    /// Values of some fields, by id.
-    using Values = QList<std::pair<int, FormValue>>;
 
-    /// The field and those that follow it, with what they hold.
-    [[nodiscard]] Values group(int field) const;
+    /// The fields and those that follow them, with what they hold.
+    [[nodiscard]] Values groups(const Values &values) const;
     void restore(int field, const Values &values);
 
     AppModel &m_model;
