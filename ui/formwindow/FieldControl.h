@@ -43,6 +43,11 @@ public:
 Q_SIGNALS:
     /// The user changed the value.
     void edited(const FormValue &value);
+    /// The user typed more than fits. The control shows what fits; the whole text, with the cursor
+    /// at that place, is here instead of in edited().
+    void exceeded(const QString &text, int cursor);
+    /// Backspace was pressed where there is nothing to delete.
+    void steppedBack();
     /// The keyboard came to the control, or left it.
     void openChanged();
 

@@ -6,6 +6,7 @@
 #include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
+#include <QKeyEvent>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPlainTextEdit>
@@ -14,6 +15,7 @@
 #include <QTextDocument>
 
 #include <algorithm>
+#include <utility>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -65,12 +67,14 @@ LineControl::LineControl(const FormField &field, QWidget *page)
 {
     m_line->setFrame(false);
     m_line->setAlignment(field.alignment);
-    m_line->setValidator(new FieldText::Limit(field.maxLength, m_line));
     if (field.password) {
         m_line->setEchoMode(QLineEdit::Password);
     }
-    connect(m_line, &QLineEdit::textEdited, this,
-            [this](const QString &text) { Q_EMIT edited({.text = text, .on = {}, .chosen = {}}); });
+    auto *limit = new FieldText::Limit(field.maxLength, m_line);
+    m_line->setValidator(limit);
+    connect(limit, &FieldText::Limit::exceeded, this,
+            [this](const QString &text, int cursor) { m_whole.emplace(text, cursor); });
+    connect(m_line, &QLineEdit::textEdited, this, &LineControl::textEdited);
     connect(m_line, &QLineEdit::textChanged, this, [this] { fit(m_scale); });
 }
 
@@ -78,7 +82,26 @@ void LineControl::setValue(const FormValue &value)
 {
     if (m_line->text() != value.text) {
         m_line->setText(value.text);
+        m_whole.reset(); // set, not typed
     }
+}
+
+void LineControl::textEdited(const QString &text)
+{
+    if (const auto whole = std::exchange(m_whole, {})) {
+        Q_EMIT exceeded(whole->first, whole->second);
+    } else {
+        Q_EMIT edited({.text = text, .on = {}, .chosen = {}});
+    }
+}
+
+bool LineControl::eventFilter(QObject *watched, QEvent *event)
+{
+    if (event->type() == QEvent::KeyPress && m_line->text().isEmpty() &&
+        static_cast<QKeyEvent *>(event)->key() == Qt::Key_Backspace) {
+        Q_EMIT steppedBack();
+    }
+    return FieldControl::eventFilter(watched, event);
 }
 
 void LineControl::fit(double scale)
@@ -135,6 +158,7 @@ AreaControl::AreaControl(const FormField &field, QWidget *page)
 void AreaControl::setValue(const FormValue &value)
 {
     if (text() != value.text) {
+        const QSignalBlocker quiet(m_area);
         m_shown = value.text;
         m_area->setPlainText(value.text);
         m_area->moveCursor(QTextCursor::End);
@@ -152,9 +176,14 @@ QString AreaControl::text() const
 
 void AreaControl::textChanged()
 {
+    const QString whole = text();
+    const int cursor = m_area->textCursor().position();
     cutToLimit();
     const QString now = text();
-    if (now != m_shown) {
+    if (now.size() < whole.size()) {
+        m_shown = now;
+        Q_EMIT exceeded(whole, cursor);
+    } else if (now != m_shown) {
         m_shown = now;
         Q_EMIT edited({.text = now, .on = {}, .chosen = {}});
     }

@@ -19,13 +19,17 @@ public:
     LineControl(const FormField &field, QWidget *page);
     void setValue(const FormValue &value) override;
 
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
 protected:
     void fit(double scale) override;
 
 private:
+    void textEdited(const QString &text);
     void fitComb(double scale);
 
     QLineEdit *m_line;
+    std::optional<std::pair<QString, int>> m_whole; ///< what was cut just now, and its cursor
     double m_scale = 1;
 };
 

@@ -28,7 +28,10 @@ QValidator::State Limit::validate(QString &text, int &position) const
                                   QChar(QChar::ParagraphSeparator)}) {
         text.replace(breaking, u' ');
     }
-    cut(text, position, m_limit);
+    if (m_limit > 0 && length(text) > m_limit) {
+        Q_EMIT exceeded(text, position);
+        cut(text, position, m_limit);
+    }
     return Acceptable;
 }
 } // namespace FieldText

@@ -20,6 +20,10 @@ public:
     Limit(int limit, QObject *parent) : QValidator(parent), m_limit(limit) {}
     [[nodiscard]] State validate(QString &text, int &position) const override;
 
+Q_SIGNALS:
+    /// A text with the cursor at that place is longer, and is cut now.
+    void exceeded(const QString &text, int position) const;
+
 private:
     int m_limit;
 };

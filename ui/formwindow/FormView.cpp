@@ -1,5 +1,6 @@
 #include "FormView.h"
 
+#include "FieldRow.h"
 #include "PageSheet.h"
 #include "QSPDFDocument.h"
 #include "VxScale.h"
@@ -7,6 +8,7 @@
 #include <QGuiApplication>
 #include <QInputMethod>
 #include <QKeyEvent>
+#include <QLineEdit>
 #include <QPainter>
 #include <QScrollBar>
 #include <QWheelEvent>
@@ -309,15 +311,48 @@ void FormView::createControls(PageSheet &sheet)
     for (FieldControl *control : sheet.controls()) {
         control->setValue(m_document->value(control->field().id));
         control->setFault(m_document->fault(control->field().id));
-        connect(control, &FieldControl::openChanged, this, &FormView::fieldChanged);
-        connect(control, &FieldControl::openChanged, this, [this, control] {
-            if (!control->isOpen() && control->fault()) {
-                Q_EMIT faultLeft(*control->fault());
-            }
-        });
-        connect(control, &FieldControl::edited, this, [this, control](const FormValue &value) {
-            Q_EMIT edited(control->field().id, value);
-        });
+        connectControl(control);
+    }
+}
+
+void FormView::connectControl(FieldControl *control)
+{
+    const int field = control->field().id;
+    connect(control, &FieldControl::openChanged, this, &FormView::fieldChanged);
+    connect(control, &FieldControl::openChanged, this, [this, control] {
+        if (!control->isOpen() && control->fault()) {
+            Q_EMIT faultLeft(*control->fault());
+        }
+    });
+    connect(control, &FieldControl::edited, this,
+            [this, field](const FormValue &value) { Q_EMIT edited(field, value); });
+    connect(control, &FieldControl::exceeded, this,
+            [this, control](const QString &text, int cursor) { spread(control, text, cursor); });
+    connect(control, &FieldControl::steppedBack, this, [this, field] { stepBack(field); });
+}
+
+void FormView::spread(FieldControl *control, const QString &text, int cursor)
+{
+    const int field = control->field().id;
+    const FieldRow::Filled filled = FieldRow::fill(*m_document, field, text, cursor);
+    Q_EMIT editedTogether(filled.values);
+    control->setValue(m_document->value(field)); // of a number it may have cut another part
+    if (filled.end != field) {
+        focusField(filled.end, Qt::OtherFocusReason);
+    }
+    if (filled.leftOut > 0) {
+        Q_EMIT leftOut(filled.leftOut);
+    }
+}
+
+void FormView::stepBack(int field)
+{
+    const int before = FieldRow::before(*m_document, field);
+    if (before >= 0) {
+        focusField(before, Qt::OtherFocusReason);
+        auto *line = qobject_cast<QLineEdit *>(control(before)->widget());
+        line->end(false);
+        line->backspace();
     }
 }
 

@@ -57,6 +57,10 @@ public:
 
 Q_SIGNALS:
     void edited(int field, const FormValue &value);
+    /// What was typed into the first of these fields goes on in the others.
+    void editedTogether(const QList<std::pair<int, FormValue>> &values);
+    /// So many characters of what was typed did not fit.
+    void leftOut(qsizetype characters);
     /// The keyboard came to a field, or left one.
     void fieldChanged();
     /// The keyboard left a field whose answer would not be whole on paper.
@@ -86,6 +90,11 @@ private:
     void layOut();
     void pagesMoved();
     void createControls(PageSheet &sheet);
+    void connectControl(FieldControl *control);
+    /// Spreads a text that is too long for its field over the row that it stands in.
+    void spread(FieldControl *control, const QString &text, int cursor);
+    /// Deletes a letter from the field that goes on in this one.
+    void stepBack(int field);
     [[nodiscard]] double pixelsPerPoint() const;
     [[nodiscard]] int gap() const; ///< pixels around and between the sheets
     /// The part of a sheet that can be seen, in its own pixels.

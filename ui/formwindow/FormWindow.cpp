@@ -184,6 +184,11 @@ void FormWindow::connectModel()
 void FormWindow::connectView()
 {
     connect(m_view, &FormView::edited, m_edits, &FormEdits::edit);
+    connect(m_view, &FormView::editedTogether, m_edits, &FormEdits::editTogether);
+    connect(m_view, &FormView::leftOut, &m_model, [this](qsizetype characters) {
+        m_model.setMessage(characters == 1 ? u"1 character did not fit."_s
+                                           : u"%1 characters did not fit."_s.arg(characters));
+    });
     connect(m_view, &FormView::fieldChanged, m_edits, &FormEdits::endStep);
     connect(m_view, &FormView::faultLeft, &m_model,
             [this](const FormFault &fault) { m_model.setMessage(fault.sentence()); });
