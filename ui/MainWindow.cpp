@@ -5,7 +5,6 @@
 #include "MainMenu.h"
 #include "QSBackup.h"
 #include "QSInfo.h"
-#include "QSPrefs.h"
 #include "SearchField.h"
 #include "Sidebar.h"
 #include "StateMenu.h"
@@ -35,11 +34,9 @@
 #include <QMimeData>
 #include <QPushButton>
 #include <QScreen>
-#include <QSettings>
 #include <QStackedWidget>
 #include <QVBoxLayout>
 
-#include <algorithm>
 #include <array>
 #include <utility>
 
@@ -106,7 +103,6 @@ MainWindow::MainWindow(AppModel &model)
       m_pages(new QStackedWidget(this))
 {
     createWindow();
-    keepScreen();
     connectModel();
     connect(m_pages, &QStackedWidget::currentChanged, this, &MainWindow::sizeByPage);
     showPage();
@@ -373,19 +369,6 @@ void MainWindow::openFormWindow()
     if (m_model.openPDF() && !m_formWindow) {
         m_formWindow = std::make_unique<FormWindow>(m_model);
     }
-}
-
-void MainWindow::keepScreen()
-{
-    static const QString key = u"qs.window.screen"_s;
-    const QString last = QSPrefs::settings()->value(key).toString();
-    const auto known = std::ranges::find(Screens::all, last, &Screens::Info::id);
-    if (known != Screens::all.end()) {
-        m_model.show(known->screen);
-    }
-    connect(&m_model, &AppModel::screenChanged, this, [this] {
-        QSPrefs::settings()->setValue(key, Screens::info(m_model.screen()).id.toString());
-    });
 }
 
 void MainWindow::bringForward()

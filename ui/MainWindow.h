@@ -60,8 +60,6 @@ private:
     [[nodiscard]] SearchView *results();
     [[nodiscard]] DocumentEditor *editor();
     void createWindow();
-    /// Shows the screen of the last time, and notes from now on which one is shown.
-    void keepScreen();
     void connectModel();
     /// The page that the model's state asks for: results, the editor, or the screen.
     void showPage();
