@@ -5,11 +5,13 @@
 #include "TextCanvas.h"
 #include "WorkingCopy.h"
 
-#include <QHash>
 #include <QtMath>
 
 #include <poppler-form.h>
 #include <poppler-qt6.h>
+
+#include <algorithm>
+#include <utility>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -21,28 +23,17 @@ constexpr double pointsPerInch = 72;
 constexpr double mostDots = 64e6;    // of one drawing: 256 MB, a Letter page at 800 dots per inch
 constexpr double mostAcross = 32767; // dots of a whole page; far beyond, letters alone fill memory
 
-/// Something that people wait for and that waits for its turn or runs; drawing stops for it.
-class Pressing final
-{
-public:
-    explicit Pressing(std::atomic<int> &count) : m_count(count) { ++m_count; }
-    ~Pressing() { --m_count; }
-    Q_DISABLE_COPY_MOVE(Pressing)
-
-private:
-    std::atomic<int> &m_count;
-};
-
 /// Whether a drawing is to stop, asked through the plain pointer that Poppler hands on.
 struct Interruption
 {
     const std::function<bool()> &cancelled;
-    const std::atomic<int> &pressing;
+    const std::atomic<int> &changes; ///< of the page
+    int before = 0;                  ///< the drawing began
     bool wasDue = false;
 
     bool isDue()
     {
-        wasDue = wasDue || pressing > 0 || (cancelled && cancelled());
+        wasDue = wasDue || changes != before || (cancelled && cancelled());
         return wasDue;
     }
     static bool ask(const QVariant &self)
@@ -122,8 +113,8 @@ QString PopplerForm::drawnText(const FormField &field, QString text)
 PopplerForm::PopplerForm(const QByteArray &bytes, QList<Widget> &widgets)
     : m_bytes(bytes),
       m_document(load(bytes)),
-      m_places(static_cast<size_t>(widgets.size())),
-      m_handles(static_cast<size_t>(widgets.size()))
+      m_handles(static_cast<size_t>(widgets.size())),
+      m_places(static_cast<size_t>(widgets.size()))
 {
     if (m_document && m_document->isLocked()) {
         throw QSError::invalid(
@@ -136,6 +127,7 @@ PopplerForm::PopplerForm(const QByteArray &bytes, QList<Widget> &widgets)
     m_document->setRenderHint(Poppler::Document::Antialiasing);
     m_document->setRenderHint(Poppler::Document::TextAntialiasing);
     const int count = m_document->numPages();
+    m_changes = std::vector<std::atomic<int>>(static_cast<size_t>(count));
     for (int number = 0; number < count; ++number) {
         const auto page = m_document->page(number);
         const QSizeF size = page ? page->pageSizeF() : QSizeF();
@@ -199,15 +191,28 @@ QTransform PopplerForm::toPage(int id) const
 
 void PopplerForm::put(const QList<Widget> &widgets)
 {
-    const Pressing pressing(m_pressing);
-    const QMutexLocker lock(&m_mutex);
+    const QMutexLocker lock(&m_shownMutex);
     for (const Widget &widget : widgets) {
-        const auto id = static_cast<size_t>(widget.field.id);
-        m_places.at(id).drawing = widget.drawing;
-        if (auto *button = dynamic_cast<Poppler::FormFieldButton *>(m_handles.at(id).get())) {
-            button->setState(widget.hasText() ? widget.kept : widget.value.on);
+        const int id = widget.field.id;
+        Place &place = m_places.at(static_cast<size_t>(id));
+        place.drawing = widget.drawing;
+        m_switched.insert(id, widget.hasText() ? widget.kept : widget.value.on);
+        if (place.page >= 0) {
+            ++m_changes.at(static_cast<size_t>(place.page));
         }
     }
+}
+
+PopplerForm::Shown PopplerForm::shown(int page) const
+{
+    const QMutexLocker lock(&m_shownMutex);
+    Shown shown;
+    shown.switched = std::exchange(m_switched, {});
+    shown.changes = m_changes.at(static_cast<size_t>(page));
+    std::ranges::copy_if(m_places, std::back_inserter(shown.places), [page](const Place &place) {
+        return place.page == page && place.drawing && !place.drawing->isEmpty();
+    });
+    return shown;
 }
 
 PageDrawing PopplerForm::render(int page, double dotsPerInch, const QRect &clip,
@@ -217,11 +222,18 @@ PageDrawing PopplerForm::render(int page, double dotsPerInch, const QRect &clip,
         return {};
     }
     const QRect part = drawnPart(m_sizes.at(page), dotsPerInch, clip);
-    Interruption interruption{cancelled, m_pressing};
-    const QMutexLocker lock(&m_mutex);
     if (part.isEmpty()) {
         return {};
     }
+    QMutexLocker lock(&m_mutex);
+    const Shown begun = shown(page);
+    for (const auto &[id, on] : begun.switched.asKeyValueRange()) {
+        auto *handle = m_handles.at(static_cast<size_t>(id)).get();
+        if (auto *button = dynamic_cast<Poppler::FormFieldButton *>(handle)) {
+            button->setState(on);
+        }
+    }
+    Interruption interruption{cancelled, m_changes.at(static_cast<size_t>(page)), begun.changes};
     if (interruption.isDue()) {
         return {Outcome::madeWay, {}};
     }
@@ -233,28 +245,32 @@ PageDrawing PopplerForm::render(int page, double dotsPerInch, const QRect &clip,
         source->renderToImage(dotsPerInch, dotsPerInch, part.x(), part.y(), part.width(),
                               part.height(), Poppler::Page::Rotate0, nullptr, nullptr,
                               &Interruption::ask, QVariant::fromValue<void *>(&interruption));
-    if (interruption.wasDue) {
-        return {Outcome::madeWay, {}};
-    }
-    if (image.isNull()) {
+    lock.unlock();
+    if (!interruption.wasDue && image.isNull()) {
         return {};
     }
-    drawFields(image, page, dotsPerInch, part.topLeft());
+    if (interruption.isDue() || !drawFields(image, begun.places, dotsPerInch, part.topLeft(),
+                                            [&interruption] { return interruption.isDue(); })) {
+        return {Outcome::madeWay, {}};
+    }
     return {Outcome::drawn, image};
 }
 
-void PopplerForm::drawFields(QImage &image, int page, double dotsPerInch,
-                             const QPoint &corner) const
+/// False when it was due to end before it was done.
+bool PopplerForm::drawFields(QImage &image, const std::vector<Place> &places, double dotsPerInch,
+                             const QPoint &corner, const std::function<bool()> &isDue)
 {
     const double scale = dotsPerInch / pointsPerInch;
     const QRectF seen(QPointF(corner) / scale, QSizeF(image.size()) / scale);
     if (image.format() != QImage::Format_RGB32) {
         image.convertTo(QImage::Format_RGB32);
     }
-    for (const Place &place : m_places) {
-        if (place.page != page || !place.drawing || place.drawing->isEmpty() ||
-            !place.rect.intersects(seen)) {
+    for (const Place &place : places) {
+        if (!place.rect.intersects(seen)) {
             continue;
+        }
+        if (isDue()) {
+            return false;
         }
         const QTransform toDots = turned(place.rect, place.turn) *
                                   QTransform::fromScale(scale, scale) *
@@ -262,6 +278,7 @@ void PopplerForm::drawFields(QImage &image, int page, double dotsPerInch,
         PictureCanvas canvas(image, toDots, QRectF({}, place.drawing->size()));
         place.drawing->draw(canvas);
     }
+    return true;
 }
 
 QString PopplerForm::text(int page, const QRectF &rect) const

@@ -4,6 +4,7 @@
 #include "Widget.h"
 
 #include <QByteArray>
+#include <QHash>
 #include <QList>
 #include <QMutex>
 #include <QRect>
@@ -24,8 +25,8 @@ class Page;
 } // namespace Poppler
 
 /// A working copy in Poppler's hands, which draws its pages with their buttons; the drawings of
-/// texts and choices are laid over them. Any thread may call any function; one runs at a time, and
-/// put() does not wait for a drawing to end but ends it.
+/// texts and choices are laid over them. Any thread may call any function. Poppler does one thing
+/// at a time; put() doesn't wait for it, but a drawing of a page that it changes makes way.
 class PopplerForm final
 {
 public:
@@ -63,8 +64,6 @@ private:
     void adopt(Widget &widget, const Poppler::Page &page,
                std::unique_ptr<Poppler::FormField> handle);
 
-    void drawFields(QImage &image, int page, double dotsPerInch, const QPoint &corner) const;
-
     /// Where and how a widget's drawing is laid over its page.
     struct Place
     {
@@ -74,12 +73,28 @@ private:
         std::shared_ptr<const FieldDrawing> drawing;
     };
 
+    /// What a drawing of a page begins with.
+    struct Shown
+    {
+        std::vector<Place> places; ///< of the page that have something to draw
+        QHash<int, bool> switched; ///< buttons, by widget's id, that Poppler has not been told of
+        int changes = 0;           ///< of the page until now
+    };
+
+    [[nodiscard]] Shown shown(int page) const;
+    static bool drawFields(QImage &image, const std::vector<Place> &places, double dotsPerInch,
+                           const QPoint &corner, const std::function<bool()> &isDue);
+
     QByteArray m_bytes;
     QList<QSizeF> m_sizes;
     QStringList m_labels;
-    mutable std::atomic<int> m_pressing = 0; // how many wait or run that a drawing makes way for
-    mutable QMutex m_mutex;                  // guards what follows
+    std::vector<std::atomic<int>> m_changes; // by page
+
+    mutable QMutex m_mutex; // guards what is Poppler's
     std::unique_ptr<Poppler::Document> m_document;
-    std::vector<Place> m_places; // by widget's id; but for the drawings they need no guard
     std::vector<std::unique_ptr<Poppler::FormField>> m_handles; // by widget's id
+
+    mutable QMutex m_shownMutex; // guards what follows, and is held for moments only
+    std::vector<Place> m_places; // by widget's id; but for the drawings they need no guard
+    mutable QHash<int, bool> m_switched;
 };

@@ -21,8 +21,8 @@
 /// then shown and filled, and what is saved is put right again so that every other program finds
 /// the same appearances. The bytes it was opened from are never changed.
 ///
-/// Any thread may call any function: what changes a value cuts a drawing that runs on another
-/// thread short instead of waiting for it; files are made beside a drawing.
+/// Any thread may call any function. What reads or changes a value waits neither for a drawing nor
+/// for a file that is made on another thread; a drawing of the page that it changes makes way.
 class QSPDFDocument final
 {
 public:
@@ -66,9 +66,10 @@ public:
 
     /// Draws a page with what is typed into it, on white, at so many dots per inch. clip: only that
     /// part of the page, in dots; everything when it is null. Makes way for a call of setValue()
-    /// and when cancelled() returns true. Fails for a page that isn't there, and for more than 64
-    /// million dots, or a page of more than 32,767 dots along a side, which would take all memory.
-    /// cancelled() is called often and from this thread; it must not call the document.
+    /// that changes this page, and when cancelled() returns true. Fails for a page that isn't
+    /// there, and for more than 64 million dots, or a page of more than 32,767 dots along a side,
+    /// which would take all memory. cancelled() is called often and from this thread; it must not
+    /// call the document.
     [[nodiscard]] PageDrawing render(int page, double dotsPerInch, const QRect &clip = {},
                                      const std::function<bool()> &cancelled = {}) const;
     /// What is printed on the page inside a rectangle in points, without what is typed into it; all

@@ -116,6 +116,7 @@ private Q_SLOTS:
     void acceptsValues();
     void drawsWithinLimits();
     void cutsDrawingShort();
+    void waitsForNoDrawing();
 };
 
 void TestQSPDFDocument::realForms_data()
@@ -463,6 +464,34 @@ void TestQSPDFDocument::cutsDrawingShort()
     QCOMPARE(drawing.outcome, Outcome::madeWay);
     QVERIFY(drawing.image.isNull());
     QCOMPARE(document->render(0, 20).outcome, Outcome::drawn);
+}
+
+void TestQSPDFDocument::waitsForNoDrawing()
+{
+    // So many spaces are one step to whoever draws the page: no question in between is answered.
+    const QByteArray spaces = qCompress(QByteArray(200'000'000, ' ')).sliced(4);
+    QByteArray pdf = smallPDF({textField}, "/Contents 5 0 R");
+    pdf.replace("trailer", "5 0 obj <</Filter/FlateDecode/Length " +
+                               QByteArray::number(spaces.size()) + ">> stream\n" + spaces +
+                               "\nendstream endobj\ntrailer");
+    const Document document = QSPDFDocument::open(pdf);
+    std::atomic<bool> begun = false;
+    PageDrawing drawing;
+    const std::unique_ptr<QThread> thread(QThread::create([&] {
+        drawing = document->render(0, 20, {}, [&begun] {
+            begun = true;
+            return false;
+        });
+    }));
+    thread->start();
+    QTRY_VERIFY(begun);
+    document->setValue(0, {.text = u"now"_s, .on = false, .chosen = {}});
+    QCOMPARE(document->values().constFirst().text, u"now"_s);
+    QVERIFY(!document->fault(0));
+    QVERIFY(thread->isRunning());
+    QVERIFY(thread->wait());
+    QCOMPARE(drawing.outcome, Outcome::madeWay);
+    QVERIFY(ink(document->render(0, 20).image) > 0);
 }
 
 QTEST_MAIN(TestQSPDFDocument)
