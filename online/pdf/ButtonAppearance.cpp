@@ -120,7 +120,9 @@ bool drawsSomething(QPDFObjectHandle stream)
     }
     constexpr int longEnough = 128;
     QPDFObjectHandle length = stream.getDict().getKey("/Length");
-    if (length.isInteger() && length.getIntValue() > longEnough) {
+    constexpr size_t longUnpacked = 10'000;
+    if ((length.isInteger() && length.getIntValue() > longEnough) ||
+        !dataOf(stream, longUnpacked)) {
         return true;
     }
     InkFinder finder;

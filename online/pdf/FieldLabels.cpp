@@ -1,5 +1,6 @@
 #include "FieldLabels.h"
 
+#include "Opening.h"
 #include "PopplerForm.h"
 
 #include <QHash>
@@ -10,6 +11,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <memory>
+#include <vector>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -80,8 +83,21 @@ bool saysSomething(const QString &text)
     return std::ranges::any_of(text, [](QChar letter) { return letter.isLetterOrNumber(); });
 }
 
+std::vector<std::unique_ptr<Poppler::TextBox>> textBoxes(const Poppler::Page &page,
+                                                         const Opening &opening)
+{
+    std::stop_token stop = opening.stop();
+    return page.textList(
+        Poppler::Page::Rotate0,
+        [](const QVariant &token) {
+            return static_cast<std::stop_token *>(token.value<void *>())->stop_requested();
+        },
+        QVariant::fromValue<void *>(&stop));
+}
+
 /// Words and fields of a page. What stands inside a field is an answer and no word of the page.
-QList<Word> wordsOf(const Poppler::Page &page, const QList<FormField> &fields, int number)
+QList<Word> wordsOf(const Poppler::Page &page, const QList<FormField> &fields, int number,
+                    const Opening &opening)
 {
     QList<Word> places;
     for (const FormField &field : fields) {
@@ -90,7 +106,8 @@ QList<Word> wordsOf(const Poppler::Page &page, const QList<FormField> &fields, i
         }
     }
     QList<Word> words = places;
-    for (const auto &box : page.textList()) {
+    for (const auto &box : textBoxes(page, opening)) {
+        opening.goOn();
         const QPointF middle = box->boundingBox().center();
         if (std::ranges::none_of(
                 places, [&middle](const Word &place) { return place.rect.contains(middle); })) {
@@ -113,16 +130,24 @@ bool onOneLine(const QRectF &one, const QRectF &other)
 }
 
 /// The words of one line beside a box, up to a field or a wider space.
-QString beside(const QRectF &box, QList<Word> words, Side side)
+QString beside(const QRectF &box, const QList<Word> &words, Side side)
 {
-    words.removeIf([&](const Word &word) {
-        return !onOneLine(box, word.rect) || gap(box, word.rect, side) < -overlap;
-    });
-    std::ranges::sort(words, {}, [&](const Word &word) { return gap(box, word.rect, side); });
+    const auto isFarther = [&](const Word *one, const Word *other) {
+        return gap(box, one->rect, side) > gap(box, other->rect, side);
+    };
+    std::vector<const Word *> line;
+    for (const Word &word : words) {
+        if (onOneLine(box, word.rect) && gap(box, word.rect, side) >= -overlap) {
+            line.push_back(&word);
+        }
+    }
+    std::ranges::make_heap(line, isFarther); // only the nearest few are looked at
     QStringList found;
     qsizetype length = 0;
     QRectF last = box;
-    for (const Word &word : std::as_const(words)) {
+    for (; !line.empty(); line.pop_back()) {
+        std::ranges::pop_heap(line, isFarther);
+        const Word &word = *line.back();
         const double room = found.isEmpty() ? farthest : word.rect.height();
         if (word.text.isEmpty() || gap(last, word.rect, side) > room || length > longest) {
             break;
@@ -187,11 +212,15 @@ void count(QList<FormField> &fields)
 {
     for (const auto &[label, toggles] : byLabel(fields).asKeyValueRange()) {
         const QStringList answers = answersOf(toggles);
+        QHash<QString, qsizetype> numbers;
+        for (const QString &answer : answers) {
+            numbers.insert(answer, numbers.size() + 1);
+        }
         for (FormField *toggle : toggles) {
             if (answers.size() > 1) {
                 toggle->label =
                     u"%1, %2 of %3"_s.arg(label.isEmpty() ? u"Choice"_s : label,
-                                          QString::number(answers.indexOf(answerOf(*toggle)) + 1),
+                                          QString::number(numbers.value(answerOf(*toggle))),
                                           QString::number(answers.size()));
             }
         }
@@ -199,7 +228,7 @@ void count(QList<FormField> &fields)
 }
 } // namespace
 
-void FieldLabels::tellApart(QList<FormField> &fields, const QByteArray &pdf)
+void FieldLabels::tellApart(QList<FormField> &fields, const QByteArray &pdf, const Opening &opening)
 {
     const QMap<int, QList<Unclear>> unclear = unclearToggles(fields);
     if (unclear.isEmpty()) {
@@ -208,8 +237,9 @@ void FieldLabels::tellApart(QList<FormField> &fields, const QByteArray &pdf)
     const auto document = PopplerForm::load(pdf);
     for (const auto &[number, toggles] : unclear.asKeyValueRange()) {
         const auto page = document ? document->page(number) : nullptr;
-        const QList<Word> words = page ? wordsOf(*page, fields, number) : QList<Word>();
+        const QList<Word> words = page ? wordsOf(*page, fields, number, opening) : QList<Word>();
         for (const auto &[toggle, shared] : toggles) {
+            opening.goOn();
             const QString found = beside(toggle->rect, words);
             addDetail(*toggle, found.isEmpty() && shared ? tellingValue(*toggle) : found);
         }

@@ -1,6 +1,7 @@
 #include "FieldReader.h"
 
 #include "FieldLook.h"
+#include "Opening.h"
 #include "QpdfFile.h"
 
 #include <QRegularExpression>
@@ -11,6 +12,7 @@
 
 #include <algorithm>
 #include <array>
+#include <set>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -19,7 +21,6 @@ using Kind = FormField::Kind;
 using Objects = std::vector<QPDFObjectHandle>;
 
 constexpr int radiosInUnison = 1 << 25; // bit 26; qpdf's constant for it is another bit
-constexpr int deepest = 64;             // of a field below its form; real ones have five steps
 
 QString toQString(const std::string &utf8)
 {
@@ -33,17 +34,36 @@ QString withPlainLineEnds(QString text)
 }
 
 /// A text that stands in a PDF as a string or, when long, as a stream.
-QString textOf(QPDFObjectHandle object)
+QString textOf(QPDFObjectHandle object, Opening &opening)
 {
+    constexpr size_t mostBytes = 4 * Opening::mostLetters + 4; // with a mark of the encoding
+    std::string bytes;
     if (object.isString()) {
-        return toQString(object.getUTF8Value());
+        bytes = object.getStringValue();
+    } else if (object.isStream()) {
+        bytes = dataOf(object, mostBytes).value_or(std::string(mostBytes + 1, ' '));
     }
-    if (object.isStream()) {
-        const auto data = object.getStreamData(qpdf_dl_all);
-        const std::string bytes(reinterpret_cast<const char *>(data->getBuffer()), data->getSize());
-        return toQString(QPDFObjectHandle::newString(bytes).getUTF8Value());
+    if (bytes.size() > mostBytes) {
+        opening.countLetters(static_cast<qsizetype>(bytes.size()));
     }
-    return {};
+    const QString text = toQString(QPDFObjectHandle::newString(bytes).getUTF8Value());
+    opening.countLetters(text.size() > Opening::mostLetters ? text.toUcs4().size() : text.size());
+    return text;
+}
+
+/// What stands above a field is asked for again and again.
+void checkParents(const QPDFObjectHandle &widget, Opening &opening)
+{
+    qsizetype letters = 0;
+    std::set<QPDFObjGen> seen; // a damaged field may lie in itself
+    for (QPDFObjectHandle above = widget;
+         above.isDictionary() && seen.insert(above.getObjGen()).second;
+         above = above.getKey("/Parent")) {
+        opening.checkDepth(static_cast<int>(seen.size()));
+        QPDFObjectHandle name = above.getKey("/T");
+        letters += name.isString() ? static_cast<qsizetype>(name.getStringValue().size()) : 0;
+    }
+    opening.countLetters(letters);
 }
 
 int flagsOf(QPDFObjectHandle widget)
@@ -92,7 +112,7 @@ QByteArray fontToken(const QByteArray &appearance, int before)
     return at >= before ? tokens.at(at - before) : QByteArray();
 }
 
-QList<FormField::Choice> choicesOf(QPDFObjectHandle options)
+QList<FormField::Choice> choicesOf(QPDFObjectHandle options, Opening &opening)
 {
     QList<FormField::Choice> choices;
     if (!options.isArray()) {
@@ -100,10 +120,10 @@ QList<FormField::Choice> choicesOf(QPDFObjectHandle options)
     }
     for (QPDFObjectHandle option : options.getArrayAsVector()) {
         if (option.isArray() && option.getArrayNItems() > 1) {
-            choices.append({.label = textOf(option.getArrayItem(1)),
-                            .exportValue = textOf(option.getArrayItem(0))});
+            choices.append({.label = textOf(option.getArrayItem(1), opening),
+                            .exportValue = textOf(option.getArrayItem(0), opening)});
         } else {
-            const QString text = textOf(option);
+            const QString text = textOf(option, opening);
             choices.append({.label = text, .exportValue = text});
         }
     }
@@ -176,7 +196,7 @@ bool readTexts(const FormField &field, const QStringList &texts, bool own, FormV
     return known;
 }
 
-void readChosen(Widget &widget, QPDFFormFieldObjectHelper &helper)
+void readChosen(Widget &widget, QPDFFormFieldObjectHelper &helper, Opening &opening)
 {
     const FormField &field = widget.field;
     FormValue &value = widget.value;
@@ -184,7 +204,7 @@ void readChosen(Widget &widget, QPDFFormFieldObjectHelper &helper)
     QPDFObjectHandle stored = helper.getInheritableFieldValue("/V");
     QStringList texts;
     for (const QPDFObjectHandle &item : stored.isNull() ? Objects() : itemsOf(stored)) {
-        texts.append(textOf(item));
+        texts.append(textOf(item, opening));
     }
     value.chosen = storedPositions(field, positions);
     if (!stored.isNull() && !agree(field, value.chosen, texts)) {
@@ -198,7 +218,7 @@ void readChosen(Widget &widget, QPDFFormFieldObjectHelper &helper)
     }
 }
 
-void readText(Widget &widget, QPDFFormFieldObjectHelper &helper)
+void readText(Widget &widget, QPDFFormFieldObjectHelper &helper, Opening &opening)
 {
     FormField &field = widget.field;
     const int flags = helper.getFlags();
@@ -208,17 +228,17 @@ void readText(Widget &widget, QPDFFormFieldObjectHelper &helper)
     field.maxLength = length.isInteger() ? std::max(0, length.getIntValueAsInt()) : 0;
     field.comb = (flags & ff_tx_comb) != 0 && field.maxLength > 0 && !field.multiLine &&
                  !field.password && (flags & ff_tx_file_select) == 0;
-    widget.value.text = withPlainLineEnds(textOf(helper.getInheritableFieldValue("/V")));
+    widget.value.text = withPlainLineEnds(textOf(helper.getInheritableFieldValue("/V"), opening));
 }
 
-void readChoice(Widget &widget, QPDFFormFieldObjectHelper &helper)
+void readChoice(Widget &widget, QPDFFormFieldObjectHelper &helper, Opening &opening)
 {
     FormField &field = widget.field;
     const int flags = helper.getFlags();
-    field.choices = choicesOf(helper.getInheritableFieldValue("/Opt"));
+    field.choices = choicesOf(helper.getInheritableFieldValue("/Opt"), opening);
     field.editable = field.kind == Kind::comboBox && (flags & ff_ch_edit) != 0;
     field.multiSelect = field.kind == Kind::listBox && (flags & ff_ch_multi_select) != 0;
-    readChosen(widget, helper);
+    readChosen(widget, helper, opening);
 }
 
 /// The state of a button's appearance that is not "Off", as a name with its slash.
@@ -237,20 +257,22 @@ std::string onStateOf(QPDFObjectHandle object)
 }
 
 /// The value that a state stands for: where the field lists its values, a state is a position.
-QString buttonValue(const QByteArray &state, const QPDFObjectHandle &options)
+QString buttonValue(const QByteArray &state, const QPDFObjectHandle &options, Opening &opening)
 {
     bool isNumber = false;
     const int position = state.toInt(&isNumber);
-    const QStringList values = FieldReader::buttonValues(options);
+    const QStringList values = FieldReader::buttonValues(options, opening);
     return isNumber && position >= 0 && position < values.size() ? values.at(position)
                                                                  : QString::fromUtf8(state);
 }
 
-void readButton(Widget &widget, QPDFObjectHandle object, QPDFFormFieldObjectHelper &helper)
+void readButton(Widget &widget, QPDFObjectHandle object, QPDFFormFieldObjectHelper &helper,
+                Opening &opening)
 {
     const std::string state = onStateOf(object);
     widget.onState = QByteArray::fromStdString(state.substr(1));
-    widget.field.onValue = buttonValue(widget.onState, helper.getInheritableFieldValue("/Opt"));
+    widget.field.onValue =
+        buttonValue(widget.onState, helper.getInheritableFieldValue("/Opt"), opening);
     QPDFObjectHandle shown = object.getKey("/AS");
     if (!shown.isName()) {
         shown = helper.getInheritableFieldValue("/V");
@@ -279,8 +301,9 @@ bool holdsTwoLines(const Widget &widget)
     return height >= 2 * lineHeight * size;
 }
 
-void readAppearance(Widget &widget, QPDFObjectHandle object)
+void readAppearance(Widget &widget, QPDFObjectHandle object, Opening &opening)
 {
+    opening.countLetters(FieldReader::defaultAppearance(object).size());
     QPDFFormFieldObjectHelper helper(object);
     FieldLook::read(widget, object);
     if (widget.field.multiLine && !holdsTwoLines(widget)) {
@@ -296,7 +319,7 @@ void readAppearance(Widget &widget, QPDFObjectHandle object)
 QPDFObjectHandle FieldReader::fieldOf(const QPDFObjectHandle &widget)
 {
     QPDFObjectHandle field = widget;
-    for (int depth = 0; depth < deepest && !field.hasKey("/T"); ++depth) {
+    for (int depth = 0; depth < Opening::deepest && !field.hasKey("/T"); ++depth) {
         QPDFObjectHandle parent = field.getKey("/Parent");
         if (!parent.isDictionary()) {
             // Without a name anywhere, what lists the widget and says its type is its field.
@@ -310,19 +333,20 @@ QPDFObjectHandle FieldReader::fieldOf(const QPDFObjectHandle &widget)
     return field;
 }
 
-QStringList FieldReader::buttonValues(QPDFObjectHandle options)
+QStringList FieldReader::buttonValues(QPDFObjectHandle options, Opening &opening)
 {
     QStringList values;
     const int count = options.isArray() ? options.getArrayNItems() : 0;
     for (int i = 0; i < count; ++i) {
-        values.append(textOf(options.getArrayItem(i)));
+        values.append(textOf(options.getArrayItem(i), opening));
     }
     const bool tellApart = QSet<QString>(values.cbegin(), values.cend()).size() == values.size();
     return tellApart ? values : QStringList();
 }
 
-std::optional<Widget> FieldReader::read(const QPDFObjectHandle &object)
+std::optional<Widget> FieldReader::read(const QPDFObjectHandle &object, Opening &opening)
 {
+    checkParents(object, opening);
     QPDFFormFieldObjectHelper helper(object);
     const std::optional<Kind> kind = kindOf(helper);
     if (!kind) {
@@ -332,7 +356,7 @@ std::optional<Widget> FieldReader::read(const QPDFObjectHandle &object)
     FormField &field = widget.field;
     field.kind = *kind;
     field.name = toQString(helper.getFullyQualifiedName());
-    field.label = textOf(helper.getInheritableFieldValue("/TU")).simplified();
+    field.label = textOf(helper.getInheritableFieldValue("/TU"), opening).simplified();
     if (field.label.isEmpty()) {
         field.label = readable(field.name);
     }
@@ -344,14 +368,14 @@ std::optional<Widget> FieldReader::read(const QPDFObjectHandle &object)
         (flags & an_hidden) == 0 && ((flags & an_print) != 0 || (field.shown && !field.readOnly));
     widget.group = groupOf(field, object);
     if (field.kind == Kind::text) {
-        readText(widget, helper);
+        readText(widget, helper, opening);
     } else if (field.kind == Kind::comboBox || field.kind == Kind::listBox) {
-        readChoice(widget, helper);
+        readChoice(widget, helper, opening);
     } else if (field.kind == Kind::checkBox || field.kind == Kind::radio) {
-        readButton(widget, object, helper);
+        readButton(widget, object, helper, opening);
         return widget;
     }
-    readAppearance(widget, object);
+    readAppearance(widget, object, opening);
     return widget;
 }
 

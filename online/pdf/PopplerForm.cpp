@@ -1,6 +1,7 @@
 #include "PopplerForm.h"
 
 #include "FieldDrawing.h"
+#include "Opening.h"
 #include "QSError.h"
 #include "TextCanvas.h"
 #include "WorkingCopy.h"
@@ -110,7 +111,7 @@ QString PopplerForm::drawnText(const FormField &field, QString text)
     return text;
 }
 
-PopplerForm::PopplerForm(const QByteArray &bytes, QList<Widget> &widgets)
+PopplerForm::PopplerForm(const QByteArray &bytes, QList<Widget> &widgets, const Opening &opening)
     : m_bytes(bytes),
       m_document(load(bytes)),
       m_handles(static_cast<size_t>(widgets.size())),
@@ -129,24 +130,26 @@ PopplerForm::PopplerForm(const QByteArray &bytes, QList<Widget> &widgets)
     const int count = m_document->numPages();
     m_changes = std::vector<std::atomic<int>>(static_cast<size_t>(count));
     for (int number = 0; number < count; ++number) {
+        opening.goOn();
         const auto page = m_document->page(number);
         const QSizeF size = page ? page->pageSizeF() : QSizeF();
         m_sizes.append(size.isValid() && !size.isEmpty() ? size : letter);
         const QString label = page ? page->label() : QString();
         m_labels.append(label.isEmpty() ? QString::number(number + 1) : label);
     }
-    findWidgets(widgets);
+    findWidgets(widgets, opening);
 }
 
 PopplerForm::~PopplerForm() = default;
 
-void PopplerForm::findWidgets(QList<Widget> &widgets)
+void PopplerForm::findWidgets(QList<Widget> &widgets, const Opening &opening)
 {
     QHash<QString, int> ids;
     for (const Widget &widget : std::as_const(widgets)) {
         ids.insert(WorkingCopy::nameOf(widget.field.id), widget.field.id);
     }
     for (int number = 0; number < m_sizes.size() && !ids.isEmpty(); ++number) {
+        opening.goOn();
         const auto page = m_document->page(number);
         if (!page) {
             continue;

@@ -24,6 +24,8 @@ class FormField;
 class Page;
 } // namespace Poppler
 
+class Opening;
+
 /// A working copy in Poppler's hands, which draws its pages with their buttons; the drawings of
 /// texts and choices are laid over them. Any thread may call any function. Poppler does one thing
 /// at a time; put() doesn't wait for it, but a drawing of a page that it changes makes way.
@@ -36,9 +38,10 @@ public:
     /// field has lines and as spaces where it has one, tabs as spaces.
     [[nodiscard]] static QString drawnText(const FormField &field, QString text);
 
-    /// Throws QSError::invalid. Gives the widgets their places; one that Poppler doesn't draw is
-    /// neither shown nor settable from here on and stays in the file as it is.
-    PopplerForm(const QByteArray &bytes, QList<Widget> &widgets);
+    /// Throws QSError::invalid, also when the opening is stopped. Gives the widgets their places;
+    /// one that Poppler doesn't draw is neither shown nor settable from here on and stays in the
+    /// file as it is.
+    PopplerForm(const QByteArray &bytes, QList<Widget> &widgets, const Opening &opening);
     ~PopplerForm();
     Q_DISABLE_COPY_MOVE(PopplerForm)
 
@@ -60,7 +63,7 @@ public:
     [[nodiscard]] const QByteArray &bytes() const { return m_bytes; }
 
 private:
-    void findWidgets(QList<Widget> &widgets);
+    void findWidgets(QList<Widget> &widgets, const Opening &opening);
     void adopt(Widget &widget, const Poppler::Page &page,
                std::unique_ptr<Poppler::FormField> handle);
 

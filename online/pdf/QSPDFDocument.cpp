@@ -4,6 +4,7 @@
 #include "FieldDrawings.h"
 #include "FieldLabels.h"
 #include "Flattening.h"
+#include "Opening.h"
 #include "PopplerForm.h"
 #include "QSError.h"
 #include "QpdfFile.h"
@@ -49,6 +50,24 @@ WorkingCopy viewOnly(const QByteArray &bytes)
             .isForXFA = false};
 }
 
+WorkingCopy workingCopy(const QByteArray &bytes, Opening &opening)
+{
+    try {
+        return WorkingCopy::make(bytes, opening);
+    } catch (const QSError &) {
+        throw;
+    } catch (const QPDFExc &error) {
+        if (error.getErrorCode() == qpdf_e_password) {
+            throw QSError::invalid(
+                u"This PDF is protected with a password, so it can't be opened here."_s);
+        }
+    } catch (const std::exception &) {
+        // The pages may be in order where the form is not.
+    }
+    opening.goOn(); // qpdf may have taken the end for damage
+    return viewOnly(bytes);
+}
+
 /// No more characters than the limit, none of them cut in half.
 QString limited(const QString &text, int limit)
 {
@@ -62,7 +81,10 @@ QString limited(const QString &text, int limit)
 
 QString acceptedText(const FormField &field, const QString &text)
 {
-    return limited(PopplerForm::drawnText(field, text), field.maxLength);
+    // What is typed here is to be opened again.
+    const int limit = field.maxLength > 0 ? std::min(field.maxLength, Opening::mostLetters)
+                                          : Opening::mostLetters;
+    return limited(PopplerForm::drawnText(field, text), limit);
 }
 
 FormValue acceptedChoice(const FormField &field, const FormValue &value)
@@ -158,7 +180,7 @@ auto orSentence(const Make &make)
 class QSPDFDocument::Private final
 {
 public:
-    explicit Private(WorkingCopy copy);
+    Private(WorkingCopy copy, const Opening &opening);
 
     [[nodiscard]] QList<int> setValue(int id, const FormValue &value);
     [[nodiscard]] std::optional<FormFault> fault(int id) const;
@@ -181,21 +203,22 @@ private:
     const QpdfFile::Packing m_packing;
 };
 
-QSPDFDocument::Private::Private(WorkingCopy copy)
+QSPDFDocument::Private::Private(WorkingCopy copy, const Opening &opening)
     : m_widgets(std::move(copy.widgets)),
-      m_form(copy.bytes, m_widgets),
+      m_form(copy.bytes, m_widgets, opening),
       m_isViewOnly(copy.tabs.isEmpty()),
       m_isForXFA(copy.isForXFA),
       m_packing(copy.isPacked ? QpdfFile::Packing::packed : QpdfFile::Packing::open)
 {
     for (Widget &widget : m_widgets) {
+        opening.goOn();
         m_fields.append(widget.field);
         if (widget.hasText() && !widget.kept) {
             widget.drawing = std::make_shared<FieldDrawing>(widget);
         }
     }
     m_form.put(m_widgets);
-    FieldLabels::tellApart(m_fields, copy.bytes);
+    FieldLabels::tellApart(m_fields, copy.bytes, opening);
     for (Widget &widget : m_widgets) {
         widget.field.label = m_fields.at(widget.field.id).label;
     }
@@ -299,27 +322,26 @@ QSPDFDocument::FlatCopy QSPDFDocument::Private::flatCopy() const
     });
 }
 
-std::unique_ptr<QSPDFDocument::Private> QSPDFDocument::opened(const QByteArray &bytes)
+std::unique_ptr<QSPDFDocument::Private> QSPDFDocument::opened(const QByteArray &bytes,
+                                                              const std::stop_token &stop)
 {
     if (!hasHeader(bytes)) {
         throw QSError::invalid(u"This file is not a PDF, so it can't be opened here."_s);
     }
+    Opening opening(stop);
+    WorkingCopy copy = workingCopy(bytes, opening);
     try {
-        return std::make_unique<Private>(WorkingCopy::make(bytes));
-    } catch (const QPDFExc &error) {
-        if (error.getErrorCode() == qpdf_e_password) {
-            throw QSError::invalid(
-                u"This PDF is protected with a password, so it can't be opened here."_s);
-        }
+        return std::make_unique<Private>(std::move(copy), opening);
     } catch (const std::exception &) {
-        // The pages may be in order where the form is not.
+        opening.goOn(); // Poppler may make more of what qpdf has not touched
     }
-    return std::make_unique<Private>(viewOnly(bytes));
+    return std::make_unique<Private>(viewOnly(bytes), opening);
 }
 
-std::shared_ptr<QSPDFDocument> QSPDFDocument::open(const QByteArray &bytes)
+std::shared_ptr<QSPDFDocument> QSPDFDocument::open(const QByteArray &bytes,
+                                                   const std::stop_token &stop)
 {
-    std::unique_ptr<Private> data = opened(bytes);
+    std::unique_ptr<Private> data = opened(bytes, stop);
     if (data->isShell()) {
         throw QSError::invalid(
             u"This form is made for another kind of program (XFA) and can't be shown here. The agency's page may offer another version."_s);

@@ -13,6 +13,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <stop_token>
 
 /// A PDF that is open: its pages, its form's widgets and what is typed into them.
 ///
@@ -28,9 +29,11 @@ class QSPDFDocument final
 public:
     /// Opens bytes from a site or a file. Throws QSError::invalid with a sentence for people when
     /// they are no PDF, damaged beyond repair, need a password, or hold nothing but the page that
-    /// asks for another kind of program (XFA). A file that is too damaged to be written anew, but
-    /// not to be shown, has no fields here.
-    [[nodiscard]] static std::shared_ptr<QSPDFDocument> open(const QByteArray &bytes);
+    /// asks for another kind of program (XFA); when their form has far more
+    /// fields or text than real ones; and soon after the opening is told to stop. A file that is
+    /// too damaged to be written anew, but not to be shown, has no fields here.
+    [[nodiscard]] static std::shared_ptr<QSPDFDocument> open(const QByteArray &bytes,
+                                                             const std::stop_token &stop = {});
     /// True when the bytes are a PDF, whatever can be done with it: a file that needs a password is
     /// one too.
     [[nodiscard]] static bool isPDF(const QByteArray &bytes);
@@ -99,7 +102,8 @@ public:
 
 private:
     class Private;
-    [[nodiscard]] static std::unique_ptr<Private> opened(const QByteArray &bytes);
+    [[nodiscard]] static std::unique_ptr<Private> opened(const QByteArray &bytes,
+                                                         const std::stop_token &stop);
     explicit QSPDFDocument(std::unique_ptr<Private> d);
 
     std::unique_ptr<Private> d;

@@ -4,6 +4,7 @@
 #include "FieldDrawing.h"
 #include "FieldDrawings.h"
 #include "FieldReader.h"
+#include "Opening.h"
 #include "QSError.h"
 #include "QSMutation.h"
 #include "QpdfFile.h"
@@ -72,7 +73,10 @@ bool isDrawnHere(const Widget &widget, const QPDFObjectHandle &object)
 class Maker final
 {
 public:
-    Maker(QPDF &pdf, WorkingCopy &copy) : m_pdf(pdf), m_copy(copy) {}
+    Maker(QPDF &pdf, WorkingCopy &copy, Opening &opening)
+        : m_pdf(pdf), m_copy(copy), m_opening(opening)
+    {
+    }
 
     void run()
     {
@@ -111,6 +115,7 @@ private:
 
     QPDF &m_pdf;
     WorkingCopy &m_copy;
+    Opening &m_opening;
     QPDFObjectHandle m_form;
     QPDFObjectHandle m_fonts;
     QPDFObjectHandle m_fields;
@@ -177,6 +182,7 @@ void Maker::addPage(QPDFObjectHandle page)
             annotations.setArrayItem(i, object);
         }
         if (m_seen.insert(object.getObjGen()).second) {
+            m_opening.countWidget();
             tryWidget(object);
         }
     }
@@ -184,8 +190,11 @@ void Maker::addPage(QPDFObjectHandle page)
 
 void Maker::tryWidget(const QPDFObjectHandle &object)
 {
+    m_opening.goOn();
     try {
         addWidget(object);
+    } catch (const QSError &) {
+        throw;
     } catch (const std::exception &) {
         // A widget in ruins stays as it is; the others can be filled in.
     }
@@ -193,7 +202,7 @@ void Maker::tryWidget(const QPDFObjectHandle &object)
 
 void Maker::addWidget(const QPDFObjectHandle &object)
 {
-    std::optional<Widget> widget = FieldReader::read(object);
+    std::optional<Widget> widget = FieldReader::read(object, m_opening);
     if (!widget) {
         return;
     }
@@ -231,9 +240,8 @@ void Maker::provideFont(QPDFObjectHandle object)
 /// in, and would not print it either.
 void Maker::list(const QPDFObjectHandle &object)
 {
-    constexpr int deepest = 64;
     QPDFObjectHandle top = object;
-    for (int depth = 0; depth < deepest; ++depth) {
+    for (int depth = 0; depth < Opening::deepest; ++depth) {
         if (m_listed.count(top.getObjGen()) > 0) {
             return;
         }
@@ -276,9 +284,12 @@ void Maker::dropDoubles()
 
 void Maker::dropDoubles(QPDFObjectHandle fields, const std::string &names, int depth)
 {
-    constexpr int deepest = 64;
-    for (int i = fields.getArrayNItems() - 1; i >= 0 && depth < deepest; --i) {
-        QPDFObjectHandle field = fields.getArrayItem(i);
+    if (depth >= Opening::deepest) {
+        return;
+    }
+    std::vector<QPDFObjectHandle> kept;
+    for (QPDFObjectHandle field : fields.getArrayAsVector()) {
+        m_opening.goOn();
         QPDFObjectHandle own = entryOf(field, "/T");
         const std::string name =
             own.isString() ? (names.empty() ? names : names + '.') + own.getUTF8Value() : names;
@@ -289,9 +300,11 @@ void Maker::dropDoubles(QPDFObjectHandle fields, const std::string &names, int d
             }
         } else if (own.isString() && m_seen.count(field.getObjGen()) == 0 &&
                    m_names.count(name) > 0) {
-            fields.eraseItem(i);
+            continue;
         }
+        kept.push_back(field);
     }
+    fields.setArrayFromVector(kept);
 }
 
 /// Makes a widget a button of its own.
@@ -421,7 +434,8 @@ void writeValue(QPDFObjectHandle object, const Widget &widget)
     field.removeKey("/RV"); // the same text with its styles, as it was before
     if (widget.isToggle()) {
         field.replaceKey("/V", stateOf(widget));
-        if (FieldReader::buttonValues(field.getKey("/Opt")).isEmpty()) {
+        Opening opening;
+        if (FieldReader::buttonValues(field.getKey("/Opt"), opening).isEmpty()) {
             field.removeKey("/Opt"); // else other programs read the same value whichever is on
         }
     } else if (widget.field.kind == Kind::text) {
@@ -432,12 +446,13 @@ void writeValue(QPDFObjectHandle object, const Widget &widget)
 }
 } // namespace
 
-WorkingCopy WorkingCopy::make(const QByteArray &bytes)
+WorkingCopy WorkingCopy::make(const QByteArray &bytes, Opening &opening)
 {
-    const QpdfFile file(bytes);
+    const QpdfFile file(bytes, opening.stop());
     WorkingCopy copy;
     copy.isPacked = file.isPacked();
-    Maker(file.pdf(), copy).run();
+    Maker(file.pdf(), copy, opening).run();
+    opening.goOn();
     copy.bytes = file.writeLoose();
     return copy;
 }

@@ -8,6 +8,7 @@
 class QPDF;
 
 class FieldDrawings;
+class Opening;
 
 /// The copy of a PDF that is shown and filled in, and the way back from it.
 ///
@@ -26,8 +27,9 @@ struct WorkingCopy
     bool isPacked = false;  ///< the file was; the bytes here are not
     bool isForXFA = false;  ///< its form is for another kind of program, and no field is left here
 
-    /// Throws QPDFExc when the bytes can't be read.
-    [[nodiscard]] static WorkingCopy make(const QByteArray &bytes);
+    /// Throws QPDFExc when the bytes can't be read, and QSError::invalid when it is stopped and
+    /// when the form has more than can be opened.
+    [[nodiscard]] static WorkingCopy make(const QByteArray &bytes, Opening &opening);
     /// The name of a widget in the working copy.
     [[nodiscard]] static QString nameOf(int id);
     /// Makes the form of a working copy the agency's own again, filled in. widgets: with their
