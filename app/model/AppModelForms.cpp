@@ -29,7 +29,7 @@ Fetched fetchForm(const QSEntry &entry, const std::stop_token &stop)
     form.copy = QSCache::obtain(entry, false, QSClock::now(), stop);
     if (entry.kind == QSKind::pdf) {
         try {
-            form.document = QSPDFDocument::open(QSFile::read(form.copy.file));
+            form.document = QSPDFDocument::open(QSFile::read(form.copy.file), stop);
         } catch (const QSError &error) {
             form.problem = error.description();
         }

@@ -190,6 +190,25 @@ private Q_SLOTS:
         QCOMPARE(m_model->openPDF()->form().id, opening);
     }
 
+    void theEndWaitsForNoOpening()
+    {
+        // A page without end, whose words are to name the box on it.
+        const QByteArray lines = QByteArray("0 0 m 9 9 l S ").repeated(1000);
+        QByteArray endless = "%PDF-1.7\n1 0 obj <</Type/Catalog/Pages 2 0 R>> endobj\n"
+                             "2 0 obj <</Type/Pages/Kids[3 0 R]/Count 1>> endobj\n"
+                             "3 0 obj <</Type/Page/Parent 2 0 R/MediaBox[0 0 99 99]/Annots[<</Type"
+                             "/Annot/Subtype/Widget/FT/Btn/T(a)/Rect[9 9 19 19]>>]/Contents[";
+        endless += QByteArray("4 0 R ").repeated(100'000) + "]>> endobj\n4 0 obj <</Length " +
+                   QByteArray::number(lines.size()) + ">> stream\n" + lines +
+                   "\nendstream endobj\ntrailer <</Root 1 0 R>>\n";
+        m_agencies->answer(w9().url, {Answer::pdf(endless)});
+        m_model->open(w9());
+        QTRY_VERIFY(QFile::exists(QSCache::fileURL(w9()))); // and is opened now
+        m_model.reset();
+        QVERIFY(QThreadPool::globalInstance()->waitForDone(10'000));
+        restartModel();
+    }
+
     void closingAsksAboutWhatIsNotSaved()
     {
         m_model->openPractice();
