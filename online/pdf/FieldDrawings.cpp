@@ -47,11 +47,18 @@ std::string marked(QPDFObjectHandle page)
 FieldDrawings::FieldDrawings(const QList<Widget> &widgets)
 {
     PagesCanvas canvas;
+    QHash<const FieldDrawing *, int> drawn;
     for (const Widget &widget : widgets) {
-        if (widget.drawing && !widget.drawing->isEmpty()) {
-            m_pages.insert(widget.field.id, static_cast<int>(m_pages.size()));
-            canvas.beginPage(pageFor(widget.drawing->size()));
-            widget.drawing->draw(canvas);
+        const FieldDrawing *drawing = widget.drawing.get();
+        if (!drawing || drawing->isEmpty()) {
+            continue;
+        }
+        const auto page = static_cast<int>(drawn.size());
+        m_pages.insert(widget.field.id, drawn.value(drawing, page));
+        if (!drawn.contains(drawing)) {
+            drawn.insert(drawing, page);
+            canvas.beginPage(pageFor(drawing->size()));
+            drawing->draw(canvas);
         }
     }
     if (m_pages.isEmpty()) {

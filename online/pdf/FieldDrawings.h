@@ -13,8 +13,8 @@ class QPDF;
 class QPDFObjectHandle;
 class QpdfFile;
 
-/// The drawings of fields as one PDF with a page for each, in which they share their letters, and
-/// the way from there into a form. One thread at a time.
+/// The drawings of fields as one PDF with a page for each, which widgets may share, and the way
+/// from there into a form. All share their letters. One thread at a time.
 class FieldDrawings final
 {
 public:

@@ -12,6 +12,7 @@
 #include "TabOrder.h"
 #include "WorkingCopy.h"
 
+#include <QHash>
 #include <QMutex>
 
 #include <poppler-qt6.h>
@@ -139,6 +140,27 @@ FormValue following(const Widget &set, const FormValue &wanted, const Widget &wi
     }
     return wanted.on ? FormValue() : widget.value;
 }
+
+/// True for a place of the same answer that looks the same: there may be thousands.
+bool isAnotherPlace(const Widget &one, const Widget &other)
+{
+    FormField field = one.field;
+    field.id = other.field.id;
+    field.page = other.field.page;
+    field.rect = other.field.rect;
+    return field == other.field && one.value == other.value && one.style == other.style &&
+           one.frame == other.frame && one.box == other.box && one.turn == other.turn &&
+           one.changed == other.changed;
+}
+
+/// Of the widget's value; that of the one drawn last where it serves both.
+std::shared_ptr<const FieldDrawing> drawingOf(const Widget &widget, const QList<Widget> &drawn)
+{
+    return !drawn.isEmpty() && isAnotherPlace(drawn.constLast(), widget)
+               ? drawn.constLast().drawing
+               : std::make_shared<const FieldDrawing>(widget);
+}
+
 FormFault faultIn(const Widget &widget)
 {
     return {.id = widget.field.id,
@@ -194,6 +216,7 @@ public:
     PopplerForm m_form;
     QList<FormField> m_fields;
     QList<int> m_tabOrder;
+    QHash<QString, QList<int>> m_groups; // ids by Widget::group
 
 private:
     [[nodiscard]] QList<Widget> widgets() const;
@@ -213,6 +236,7 @@ QSPDFDocument::Private::Private(WorkingCopy copy, const Opening &opening)
     for (Widget &widget : m_widgets) {
         opening.goOn();
         m_fields.append(widget.field);
+        m_groups[widget.group].append(widget.field.id);
         if (widget.hasText() && !widget.kept) {
             widget.drawing = std::make_shared<FieldDrawing>(widget);
         }
@@ -238,11 +262,11 @@ QList<int> QSPDFDocument::Private::setValue(int id, const FormValue &value)
     const FormValue wanted = accepted(set.field, value);
     QList<int> affected = {id};
     QList<Widget> different;
-    for (Widget &widget : m_widgets) {
-        const int other = widget.field.id;
-        if (widget.group != set.group || !m_form.draws(other)) {
+    for (const int other : m_groups.value(set.group)) {
+        if (!m_form.draws(other)) {
             continue;
         }
+        Widget &widget = m_widgets[other];
         if (other != id) {
             affected.append(other);
         }
@@ -253,7 +277,7 @@ QList<int> QSPDFDocument::Private::setValue(int id, const FormValue &value)
             widget.value = next;
             if (widget.hasText()) {
                 widget.kept = false;
-                widget.drawing = std::make_shared<FieldDrawing>(widget);
+                widget.drawing = drawingOf(widget, different);
             }
             different.append(widget);
         }

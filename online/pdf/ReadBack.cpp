@@ -4,6 +4,7 @@
 #include "InkCheck.h"
 #include "PopplerForm.h"
 
+#include <QHash>
 #include <QMap>
 
 #include <poppler-qt6.h>
@@ -78,12 +79,18 @@ QString textOf(const Poppler::Document &document, int number)
 QList<int> ReadBack::unread(const FieldDrawings &drawings, const QList<Widget> &widgets)
 {
     QList<int> unread;
+    QHash<int, QString> texts; // by page
     const auto document = PopplerForm::load(drawings.pdf());
     for (const Widget &widget : widgets) {
         const bool isDrawn = widget.drawing && widget.drawing->hasText();
         const int page = drawings.pageOf(widget.field.id);
-        if (isDrawn && widget.drawing->rest().isEmpty() &&
-            !(document && isOn(textOf(*document, page), widget))) {
+        if (!isDrawn || !widget.drawing->rest().isEmpty()) {
+            continue;
+        }
+        if (document && !texts.contains(page)) {
+            texts.insert(page, textOf(*document, page));
+        }
+        if (!document || !isOn(texts.value(page), widget)) {
             unread.append(widget.field.id);
         }
     }

@@ -29,7 +29,8 @@ using Kind = FormField::Kind;
 constexpr const char *keptKey = "/QuillstoneKept";
 constexpr const char *drawingKey = "/AP";
 /// What a widget of the working copy has of its own, or must not have.
-constexpr std::array<const char *, 7> ownKeys = {"/T", "/Kids", "/FT", "/Ff", "/V", "/I", "/AS"};
+constexpr std::array<const char *, 8> ownKeys = {"/T",  "/Kids", "/Parent", "/FT",
+                                                 "/Ff", "/V",    "/I",      "/AS"};
 
 QPDFObjectHandle ensureDictionary(QPDFObjectHandle parent, const std::string &key)
 {
@@ -86,6 +87,9 @@ public:
         prepareForm(root);
         for (QPDFPageObjectHelper &page : QPDFPageDocumentHelper(m_pdf).getAllPages()) {
             addPage(page.getObjectHandle());
+        }
+        for (const Widget &widget : std::as_const(m_copy.widgets)) {
+            separate(m_fields.getArrayItem(widget.field.id), widget, widget.field.id);
         }
         dropDoubles();
         m_copy.isForXFA =
@@ -218,7 +222,6 @@ void Maker::addWidget(const QPDFObjectHandle &object)
         provideFont(object);
     }
     list(object);
-    separate(object, *widget, field.id);
     m_fields.appendItem(object);
     m_names.insert(field.name.toStdString());
     m_copy.widgets.append(*widget);
@@ -311,7 +314,10 @@ void Maker::dropDoubles(QPDFObjectHandle fields, const std::string &names, int d
 void Maker::separate(QPDFObjectHandle object, const Widget &widget, int id)
 {
     QPDFObjectHandle kept = QPDFObjectHandle::newDictionary();
-    const int readOnly = QPDFFormFieldObjectHelper(object).getFlags() & ff_all_read_only;
+    QPDFFormFieldObjectHelper field(object);
+    const std::string type = field.getFieldType();
+    const int flags = field.getFlags();
+    const bool isSwitched = widget.hasText() || widget.isToggle();
     for (const char *key : ownKeys) {
         if (object.hasKey(key)) {
             kept.replaceKey(key, object.getKey(key));
@@ -324,10 +330,10 @@ void Maker::separate(QPDFObjectHandle object, const Widget &widget, int id)
         kept.replaceKey(drawingKey, object.getKey(drawingKey));
         switchDrawings(object, widget);
     }
-    if (widget.hasText() || widget.isToggle()) {
-        object.replaceKey("/FT", QPDFObjectHandle::newName("/Btn"));
-        object.replaceKey("/Ff", QPDFObjectHandle::newInteger(readOnly));
-    }
+    object.removeKey("/Parent"); // Poppler would read it, with all its kids, for each of them
+    object.replaceKey("/FT", QPDFObjectHandle::newName(isSwitched ? "/Btn" : type));
+    object.replaceKey("/Ff",
+                      QPDFObjectHandle::newInteger(isSwitched ? flags & ff_all_read_only : flags));
     if (widget.isToggle()) {
         object.replaceKey("/V", stateOf(widget));
         object.replaceKey("/AS", stateOf(widget));

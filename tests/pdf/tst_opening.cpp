@@ -4,6 +4,7 @@
 
 #include <QThread>
 
+#include <algorithm>
 #include <memory>
 #include <stop_token>
 
@@ -148,6 +149,20 @@ private Q_SLOTS:
                      QVERIFY(!document->flattened().isEmpty());
                  }),
                  refusal);
+    }
+
+    void boxesOfOneNameAreOneAnswer()
+    {
+        constexpr int many = 3000;
+        const auto document = QSPDFDocument::open(
+            ofOneName(many, "/FT/Tx").replace("/Rect[3 10 4 12]", "/Rect[3 10 90 30]"));
+        const auto affected = document->setValue(7, {.text = u"x"_s, .on = false, .chosen = {}});
+        QCOMPARE(affected.size(), many);
+        QCOMPARE(affected.constFirst(), 7);
+        const QList<FormValue> values = document->values();
+        QVERIFY(std::ranges::all_of(values, [](const FormValue &v) { return v.text == u"x"; }));
+        QCOMPARE(QSPDFDocument::open(document->bytes())->values(), values);
+        QVERIFY(!document->flatCopy().pdf.isEmpty());
     }
 
     void canBeStopped()
