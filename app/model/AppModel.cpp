@@ -32,12 +32,7 @@ AppModel::AppModel(QSDesktop &desktop, QObject *parent)
 {
     m_draftTimer.setSingleShot(true);
     connect(&m_draftTimer, &QTimer::timeout, this, &AppModel::keepDrafts);
-    if (QSStore *open = store()) {
-        connect(open, &QSStore::revisionChanged, this, [this] {
-            m_linkChecks.reset();
-            Q_EMIT revisionChanged();
-        });
-    }
+    hearStore();
 }
 
 AppModel::~AppModel()
@@ -46,6 +41,39 @@ AppModel::~AppModel()
     for (Work &work : m_works) {
         work.stop.request_stop();
     }
+}
+
+void AppModel::hearStore()
+{
+    if (QSStore *open = store()) {
+        connect(open, &QSStore::revisionChanged, this, &AppModel::storeChanged,
+                Qt::UniqueConnection);
+    }
+}
+
+void AppModel::storeChanged()
+{
+    m_linkChecks.reset();
+    Q_EMIT revisionChanged();
+}
+
+void AppModel::storeReplaced()
+{
+    hearStore();
+    if (m_editing && m_editing->document().id && !document(*m_editing->document().id)) {
+        m_editing->forgetSaved();
+    }
+    if (m_openPDF && m_openPDF->form().saved) {
+        const QList<QSFilledPDF> copies = filledPDFs().value_or(QList<QSFilledPDF>());
+        const auto isOpen = [this](const QSFilledPDF &copy) {
+            return copy.id == m_openPDF->form().saved->id;
+        };
+        if (std::ranges::none_of(copies, isOpen)) {
+            m_openPDF->forgetSaved();
+            Q_EMIT formChanged();
+        }
+    }
+    storeChanged();
 }
 
 bool AppModel::show(Screen screen)

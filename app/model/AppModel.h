@@ -52,6 +52,9 @@ public:
 
     /// The program's store; null when no database could be opened.
     [[nodiscard]] static QSStore *store() { return QSStore::shared(); }
+    /// To be called when another store took the place of the program's one: from here on the model
+    /// hears that one. What is open and has no record there counts as never saved.
+    void storeReplaced();
 
     [[nodiscard]] Screen screen() const { return m_screen; }
     /// Shows a screen. With a document in the editor that is closed first, which the user can
@@ -263,6 +266,8 @@ private:
         Progress progress;
     };
 
+    void hearStore();
+    void storeChanged();
     Answer askToSave(const QString &name);
     /// Asks before something can't be taken back; Enter and Escape mean no.
     [[nodiscard]] bool agrees(const QString &text, const QString &detail, const QString &action);

@@ -15,6 +15,12 @@ void DocumentSession::saved(const QSDocument &document)
     m_clean = document;
 }
 
+void DocumentSession::forgetSaved()
+{
+    m_document.id.reset();
+    m_clean = QSDocument();
+}
+
 bool DocumentSession::hasUnsavedChanges() const
 {
     return m_document.title != m_clean.title || m_document.values != m_clean.values;

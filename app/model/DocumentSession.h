@@ -22,6 +22,8 @@ public:
     void setValue(const QString &key, const QString &value);
     /// Takes what the store made of the document; nothing is unsaved afterwards.
     void saved(const QSDocument &document);
+    /// Its record is gone: all of it is unsaved, and the next save makes another.
+    void forgetSaved();
     /// True when the title or an answer differs from what is saved. A new document that was only
     /// pre-filled has none.
     [[nodiscard]] bool hasUnsavedChanges() const;

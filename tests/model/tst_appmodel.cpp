@@ -231,6 +231,28 @@ private Q_SLOTS:
         QVERIFY(m_model->documents()->isEmpty());
     }
 
+    void anotherStoreIsHeardAndWhatItLacksIsSavedAnew()
+    {
+        m_model->edit(savedReceipt(u"Known"_s));
+        const auto reopen = [this] {
+            QSStore::setShared(nullptr);
+            QSStore::setShared(std::make_unique<QSStore>(QSInfo::databaseURL()));
+            QSignalSpy changed(m_model.get(), &AppModel::revisionChanged);
+            m_model->storeReplaced();
+            QCOMPARE(changed.count(), 1);
+            QSStore::shared()->touch();
+            QCOMPARE(changed.count(), 2);
+        };
+        reopen();
+        QVERIFY(!m_model->editing()->hasUnsavedChanges());
+
+        QSStore::shared()->deleteDocument(m_model->editing()->document().id.value());
+        reopen();
+        QVERIFY(m_model->editing()->hasUnsavedChanges());
+        QVERIFY(m_model->saveEdited());
+        QCOMPARE(m_model->documents()->constFirst().title, u"Known"_s);
+    }
+
     void exportWritesTheWholeFileOrNothing_data()
     {
         QTest::addColumn<QString>("target");

@@ -254,6 +254,20 @@ private Q_SLOTS:
         QCOMPARE(m_model->filledPDFs()->size(), 1);
     }
 
+    void aCopyThatAnotherStoreLacksIsSavedAnew()
+    {
+        m_model->openPractice();
+        type(u"full_name"_s, u"Rosa"_s);
+        QVERIFY(m_model->saveForm());
+        m_model->storeReplaced();
+        QVERIFY(!m_model->openPDF()->hasUnsavedChanges());
+        QSStore::shared()->deleteFilledPDF(m_model->filledPDFs()->constFirst());
+        m_model->storeReplaced();
+        QVERIFY(m_model->openPDF()->hasUnsavedChanges());
+        QVERIFY(m_model->saveForm());
+        QCOMPARE(m_model->filledPDFs()->size(), 1);
+    }
+
     void aCopyThatCannotBeReadLeavesTheFormWindowAlone_data()
     {
         QTest::addColumn<QByteArray>("bytes");
