@@ -15,6 +15,7 @@
 
 #include <QApplication>
 #include <QDir>
+#include <QFileInfo>
 #include <QIcon>
 
 using namespace Qt::Literals::StringLiterals;
@@ -36,6 +37,42 @@ QString missingContent()
         problems.append(QSDirectory::loadError());
     }
     return problems.join(u'\n');
+}
+
+/// The databases to open instead of one that can't be opened, first to last: the latest that
+/// already stood in for it, and one with the day's date. One that is older than the database's last
+/// change stood in for it at another time.
+QStringList pathsForStandIn(const QFileInfo &database)
+{
+    const QFileInfoList earlier = database.dir().entryInfoList(
+        {u"Quillstone (opened *).sqlite"_s}, QDir::Files, QDir::Name | QDir::Reversed);
+    QStringList paths;
+    if (!earlier.isEmpty() && earlier.constFirst().lastModified() >= database.lastModified()) {
+        paths.append(earlier.constFirst().filePath());
+    }
+    const QString name = u"Quillstone (opened %1).sqlite"_s.arg(QSDate::iso(QSClock::today()));
+    paths.append(database.dir().filePath(name));
+    return paths;
+}
+
+/// Opens another database instead of one that can't be opened; the sentence about that.
+QString openStandIn(const QFileInfo &database)
+{
+    QString reason;
+    const QStringList paths = pathsForStandIn(database);
+    for (const QString &path : paths) {
+        const bool isNew = !QFile::exists(path);
+        try {
+            open(QUrl::fromLocalFile(path));
+            return isNew ? u"A new empty database was opened instead; a backup can be restored "
+                           "from Backup & Settings."_s
+                         : u"%1, which stood in for it before, was opened instead; a backup can be "
+                           "restored from Backup & Settings."_s.arg(path);
+        } catch (const QSError &error) {
+            reason = error.description();
+        }
+    }
+    return u"No new database could be opened either (%1), so nothing can be saved."_s.arg(reason);
 }
 } // namespace
 
@@ -72,15 +109,6 @@ std::optional<QString> openStore()
             u"Your documents database could not be opened (%1). It was left untouched at %2."_s.arg(
                 error.description(), url.toLocalFile());
     }
-    const QString beside = u"Quillstone (opened %1).sqlite"_s.arg(QSDate::iso(QSClock::today()));
-    try {
-        open(QUrl::fromLocalFile(QSInfo::dataFolder().filePath(beside)));
-        return problem + u" A new empty database was opened instead; a backup can be restored "_s
-                         "from Backup & Settings."_s;
-    } catch (const QSError &error) {
-        return problem +
-               u" No new database could be opened either (%1), so nothing can be saved."_s.arg(
-                   error.description());
-    }
+    return problem + u' ' + openStandIn(QFileInfo(url.toLocalFile()));
 }
 } // namespace QSSetup

@@ -11,7 +11,8 @@ namespace QSSetup {
 void configure();
 
 /// Opens the documents database, its search index still to be filled. When it can't be opened it is
-/// left as it is, a new one with the day's date in its name is opened beside it, and the sentence
-/// to show about that is returned; so too what is wrong with the shipped templates and directory.
+/// left as it is, the one that stood in for it before or a new one with the day's date in its name
+/// is opened beside it, and the sentence to show about that is returned; so too what is wrong with
+/// the shipped templates and directory.
 [[nodiscard]] std::optional<QString> openStore();
 } // namespace QSSetup

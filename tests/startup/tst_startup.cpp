@@ -1,3 +1,4 @@
+#include "QSClock.h"
 #include "QSDate.h"
 #include "QSDispatch.h"
 #include "QSSetup.h"
@@ -95,11 +96,34 @@ private Q_SLOTS:
             u"Quillstone (opened %1).sqlite"_s.arg(QSDate::iso(QDate::currentDate()));
         QCOMPARE(QSStore::shared()->url().fileName(), beside);
 
-        // the same day again: the same replacement, with what was saved in it
+        // the same day and the next: the same replacement, with what was saved in it
         QSStore::shared()->saveProfile({{u"city"_s, u"Pueblo"_s}});
+        for (const int days : {0, 1}) {
+            QSClock::setFixed(QDateTime::currentDateTimeUtc().addDays(days));
+            const std::optional<QString> again = QSSetup::openStore();
+            QSClock::setFixed(std::nullopt);
+            QVERIFY(again && again->contains(beside + u", which stood in for it before, "_s));
+            QCOMPARE(QSStore::shared()->url().fileName(), beside);
+            QCOMPARE(QSStore::shared()->profile().value(u"city"_s), u"Pueblo"_s);
+        }
+        QCOMPARE(contents(path), damaged);
+
+        // the database was in use in between: what stood in for it then knows nothing of that
+        QSStore::setShared(nullptr);
+        QVERIFY(QFile::rename(m_user->path(u"data/"_s) + beside,
+                              m_user->path(u"data/Quillstone (opened 2020-01-01).sqlite"_s)));
+        changedIn(5, path);
         QVERIFY(QSSetup::openStore());
         QCOMPARE(QSStore::shared()->url().fileName(), beside);
-        QCOMPARE(QSStore::shared()->profile().value(u"city"_s), u"Pueblo"_s);
+        QVERIFY(QSStore::shared()->profile().isEmpty());
+
+        // what stood in for it can't be opened either
+        QSStore::setShared(nullptr);
+        const QString latest = m_user->path(u"data/Quillstone (opened 2999-01-01).sqlite"_s);
+        writeFile(latest, damaged);
+        changedIn(10, latest);
+        QVERIFY(QSSetup::openStore());
+        QCOMPARE(QSStore::shared()->url().fileName(), beside);
     }
 
     void withoutAnyDatabaseTheMessageSaysSo()
@@ -184,6 +208,14 @@ private:
         ended.wait(20'000);
         process->wait();
         return standing;
+    }
+
+    static void changedIn(int seconds, const QString &path)
+    {
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::ReadWrite) &&
+                file.setFileTime(QDateTime::currentDateTime().addSecs(seconds),
+                                 QFileDevice::FileModificationTime));
     }
 
     std::unique_ptr<ScratchUser> m_user;
