@@ -1,5 +1,6 @@
 #include "QSDatabaseFile.h"
 
+#include "QSDisk.h"
 #include "QSError.h"
 #include "QSInfo.h"
 #include "QSMutation.h"
@@ -12,6 +13,10 @@
 #include <QtEndian>
 
 #include <array>
+#include <cerrno>
+#include <cstdio>
+
+#include <unistd.h>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -168,4 +173,30 @@ void QSDatabaseFile::prepare(const QString &path)
             QFile::setPermissions(path + suffix, ownerOnly);
         }
     }
+}
+
+void QSDatabaseFile::replace(const QString &path, const QString &by, const QString &keptAs)
+{
+    for (const QString &database : {path, by}) {
+        for (const QLatin1StringView suffix : journalSuffixes) {
+            if (QFileInfo(database + suffix).size() > 0) { // it would be taken for the other's
+                throw QSError::io(u"Its latest changes are still in %1."_s.arg(database + suffix));
+            }
+        }
+    }
+    const QByteArray old = QFile::encodeName(path);
+    const QByteArray fresh = QFile::encodeName(by);
+    const QByteArray kept = QFile::encodeName(keptAs);
+    // Some file systems let a file have one name only.
+    if (::link(old.constData(), kept.constData()) != 0 &&
+        std::rename(old.constData(), kept.constData()) != 0) {
+        throw QSError::io(qt_error_string(errno));
+    }
+    if (std::rename(fresh.constData(), old.constData()) != 0) {
+        const QString reason = qt_error_string(errno);
+        std::rename(kept.constData(), old.constData()); // without effect for two names of one file
+        ::unlink(kept.constData());
+        throw QSError::io(reason);
+    }
+    (void)QSDisk::syncNames(QFileInfo(path).path()); // either name has one of them after a crash
 }

@@ -16,4 +16,9 @@ inline constexpr int schemaVersion = 1;
 /// to the journals beside it, and so is one of ours that is damaged. The file must not be open in
 /// this process: closing any descriptor of it drops the locks of all.
 void prepare(const QString &path);
+
+/// Gives one database the other's path and keeps that one under the new path, which nothing may
+/// have yet. At every moment there is a database under the path. Throws QSError::io with both as
+/// they were. Neither may be open, all in the same folder.
+void replace(const QString &path, const QString &by, const QString &keptAs);
 } // namespace QSDatabaseFile

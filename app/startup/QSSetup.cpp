@@ -5,6 +5,7 @@
 #include "QSDirectory.h"
 #include "QSError.h"
 #include "QSInfo.h"
+#include "QSSalvage.h"
 #include "QSStore.h"
 #include "QSTemplates.h"
 #include "QSThemes.h"
@@ -74,6 +75,51 @@ QString openStandIn(const QFileInfo &database)
     }
     return u"No new database could be opened either (%1), so nothing can be saved."_s.arg(reason);
 }
+
+/// "41 of 43 documents", or "43 documents" where nothing is missing that is known of.
+QString words(const QSSalvage::Part &part, const QString &one, const QString &many)
+{
+    const QString what = part.total == 1 ? one : many;
+    return part.total > part.saved ? u"%1 of %2 %3"_s.arg(part.saved).arg(part.total).arg(what)
+                                   : u"%1 %2"_s.arg(part.saved).arg(what);
+}
+
+QString sentence(const QSSalvage::Result &found, const QString &keptAs)
+{
+    return u"Your documents database was damaged. What could be read is here: %1, %2 and %3. The "
+           "damaged file is kept at %4. If something is missing, a backup can be restored from "
+           "Backup & Settings."_s.arg(
+               words(found.documents, u"document"_s, u"documents"_s),
+               words(found.filledPDFs, u"filled PDF"_s, u"filled PDFs"_s),
+               words(found.answers, u"answer of your profile"_s, u"answers of your profile"_s),
+               keptAs);
+}
+
+/// A path in the folder, with the day's date, that nothing has yet.
+QString pathForDamaged(const QDir &folder)
+{
+    const QString beginning = u"Quillstone (damaged "_s + QSDate::iso(QSClock::today());
+    QString name = beginning + u").sqlite"_s;
+    for (int number = 2; folder.exists(name); ++number) {
+        name = beginning + u", %1).sqlite"_s.arg(number);
+    }
+    return folder.filePath(name);
+}
+
+void remove(const QString &database)
+{
+    for (const QLatin1StringView suffix : {""_L1, "-wal"_L1, "-shm"_L1}) {
+        QFile::remove(database + suffix);
+    }
+}
+
+/// A new database at the path with what can be read of the damaged one.
+QSSalvage::Result salvage(const QString &damaged, const QString &path)
+{
+    remove(path); // of a run that was cut short
+    QSStore fresh(QUrl::fromLocalFile(path), QSStore::Indexing::later);
+    return QSSalvage::copy(damaged, fresh.db());
+}
 } // namespace
 
 namespace QSSetup {
@@ -110,5 +156,30 @@ std::optional<QString> openStore()
                 error.description(), url.toLocalFile());
     }
     return problem + u' ' + openStandIn(QFileInfo(url.toLocalFile()));
+}
+
+QString mendStore()
+{
+    const QUrl url = QSStore::shared()->url();
+    const QString path = url.toLocalFile();
+    const QString fresh = path + u"-salvaged"_s;
+    try {
+        const QString keptAs = pathForDamaged(QFileInfo(path).dir());
+        const QSSalvage::Result found = salvage(path, fresh);
+        QSStore::setShared(nullptr);
+        QSDatabaseFile::replace(path, fresh, keptAs);
+        open(url);
+        return sentence(found, keptAs);
+    } catch (const QSError &error) {
+        QString problem =
+            u"Your documents database is damaged, and no new one could take its place (%1). It was "
+            "left at %2."_s.arg(error.description(), path);
+        remove(fresh);
+        if (!QSStore::shared()) {
+            const std::optional<QString> more = openStore();
+            problem += more ? u' ' + *more : QString();
+        }
+        return problem;
+    }
 }
 } // namespace QSSetup

@@ -4,8 +4,8 @@
 
 #include <optional>
 
-/// The two start-up steps before the first window, each called once and in this order, on the main
-/// thread.
+/// The two start-up steps before the first window, each called once and in this order, and what may
+/// be left to do after it. Main thread only.
 namespace QSSetup {
 /// Registers the program's theme, gives the interface its look and fills the About box.
 void configure();
@@ -15,4 +15,10 @@ void configure();
 /// is opened beside it, and the sentence to show about that is returned; so too what is wrong with
 /// the shipped templates and directory.
 [[nodiscard]] std::optional<QString> openStore();
+
+/// For a database that is open and turned out to be damaged: what can be read of it goes into a new
+/// one, which takes its place and is open then. The damaged one is kept beside it with the day's
+/// date in its name. Where no new one can be made the damaged one stays open. Returns the sentence
+/// to show about it.
+[[nodiscard]] QString mendStore();
 } // namespace QSSetup

@@ -25,6 +25,8 @@ public:
 
 private:
     [[nodiscard]] bool opensAnyway();
+    /// Looks through the database; a damaged one is mended. Then the search index is filled.
+    void checkStore();
 
     std::optional<QSSingleInstance> m_instance;
     QtDesktop m_desktop;

@@ -1,19 +1,26 @@
 #include "QSClock.h"
 #include "QSDate.h"
 #include "QSDispatch.h"
+#include "QSPrefs.h"
+#include "QSSalvage.h"
 #include "QSSetup.h"
 #include "QSSingleInstance.h"
 #include "QSStore.h"
+#include "QSTemplates.h"
 #include "QSThemes.h"
+#include "QuillstoneApp.h"
 #include "ScratchUser.h"
 #include "TestFiles.h"
 #include "VellAbout.h"
 
+#include <QLabel>
 #include <QLocalSocket>
 #include <QSignalSpy>
 #include <QStandardPaths>
 #include <QTest>
 #include <QThread>
+
+#include <algorithm>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -126,6 +133,96 @@ private Q_SLOTS:
         QCOMPARE(QSStore::shared()->url().fileName(), beside);
     }
 
+    void aDamagedDatabaseIsMendedWithWhatCanBeRead_data()
+    {
+        QTest::addColumn<QString>("table");
+        QTest::addColumn<QList<int>>("leaves"); // by their place, those below 0 from the end
+        QTest::addColumn<bool>("losesDocuments");
+        QTest::newRow("a page in the middle") << u"documents"_s << QList<int>{5} << true;
+        QTest::newRow("the first and the last page") << u"documents"_s << QList<int>{0, -1} << true;
+        QTest::newRow("an index") << u"sqlite_autoindex_profile_1"_s << QList<int>{0} << false;
+        QTest::newRow("the search index") << u"search_content"_s << QList<int>{0} << false;
+    }
+
+    void aDamagedDatabaseIsMendedWithWhatCanBeRead()
+    {
+        QFETCH(const QString, table);
+        QFETCH(const QList<int>, leaves);
+        QFETCH(const bool, losesDocuments);
+        fillDatabase();
+        const QMap<QString, QString> profile = QSStore::shared()->profile();
+        const QList<QSFilledPDF> copies = QSStore::shared()->filledPDFs();
+        const QList<QSLinkCheck> checks = QSStore::shared()->linkChecks();
+        QMap<qint64, QSDocument> documents = documentsByID();
+        QSet<qint64> lost = damage(table, leaves);
+        QCOMPARE(!lost.isEmpty(), losesDocuments);
+        const QString path = ScratchUser::database();
+        const QByteArray damaged = contents(path);
+
+        QVERIFY(!QSSetup::openStore()); // it opens without a word
+        QVERIFY(QSSalvage::problem(path));
+        const QString told = QSSetup::mendStore();
+        QVERIFY2(told.startsWith(u"Your documents database was damaged. "_s), qPrintable(told));
+        for (const qint64 id : std::as_const(lost)) {
+            documents.remove(id);
+        }
+        QCOMPARE(documentsByID(), documents);
+        QCOMPARE(QSStore::shared()->profile(), profile);
+        QCOMPARE(QSStore::shared()->filledPDFs(), copies);
+        QCOMPARE(QSStore::shared()->linkChecks(), checks);
+        const QString of = losesDocuments ? u" of %1"_s.arg(documentCount) : QString();
+        QVERIFY2(told.contains(
+                     u"%1%2 documents, 1 filled PDF and 2 answers"_s.arg(documents.size()).arg(of)),
+                 qPrintable(told));
+        const QString kept = QFileInfo(path).path() + u"/Quillstone (damaged %1).sqlite"_s.arg(
+                                                          QSDate::iso(QDate::currentDate()));
+        QVERIFY2(told.contains(kept), qPrintable(told));
+        QCOMPARE(contents(kept).sliced(pageSize), damaged.sliced(pageSize));
+
+        // the next start is like any other
+        QVERIFY(!QSSetup::openStore());
+        QCOMPARE(QSSalvage::problem(path), std::nullopt);
+        QCOMPARE(documentsByID(), documents);
+        QCOMPARE(QSInfo::dataFolder().entryList({u"*.sqlite*"_s}, QDir::Files).size(), 4);
+        QCOMPARE(QFile::permissions(path) & QFile::ReadOther, QFile::Permissions());
+    }
+
+    void aDamagedDatabaseStaysWhereNoneCanTakeItsPlace()
+    {
+        fillDatabase();
+        (void)damage(u"documents"_s, {5});
+        QVERIFY(!QSSetup::openStore());
+        const QString path = ScratchUser::database();
+        QVERIFY(QDir().mkpath(path + u"-salvaged/in the way"_s));
+        const QString told = QSSetup::mendStore();
+        QVERIFY2(told.startsWith(u"Your documents database is damaged, and no new one could take "
+                                 "its place (The database reported a problem: "_s),
+                 qPrintable(told));
+        QCOMPARE(QSStore::shared()->url(), QSInfo::databaseURL());
+        QCOMPARE(QSStore::shared()->profile().size(), 2);
+        QVERIFY(QSInfo::dataFolder().entryList({u"*damaged*"_s}).isEmpty());
+    }
+
+    void theProgramMendsADamagedDatabaseBehindItsFirstWindow()
+    {
+        fillDatabase();
+        (void)damage(u"documents"_s, {5});
+        QTest::ignoreMessage(QtWarningMsg,
+                             QRegularExpression(u"^The documents database is damaged: "_s));
+        QSPrefs::setDisclaimerAccepted(true);
+        QuillstoneApp program;
+        QVERIFY(program.start());
+        const auto isTold = [&program] {
+            const QList<QLabel *> labels = program.window().findChildren<QLabel *>();
+            return std::ranges::any_of(labels, [](const QLabel *label) {
+                return label->text().startsWith(u"Your documents database was damaged. "_s);
+            });
+        };
+        QTRY_VERIFY(isTold());
+        QCOMPARE(QSSalvage::problem(ScratchUser::database()), std::nullopt);
+        QVERIFY(!QSStore::shared()->search(u"Number"_s).isEmpty());
+    }
+
     void withoutAnyDatabaseTheMessageSaysSo()
     {
         const QString blocker = m_user->path(u"file"_s);
@@ -210,12 +307,86 @@ private:
         return standing;
     }
 
+    static constexpr int documentCount = 200;
+    static constexpr int pageSize = 4096;
+
+    /// The program's store, with documents over many pages; the search index has them all.
+    static void fillDatabase()
+    {
+        QVERIFY(!QSSetup::openStore());
+        QSStore &store = *QSStore::shared();
+        store.fillSearchIndex();
+        for (int number = 1; number <= documentCount; ++number) {
+            store.save({.id = {},
+                        .templateID = QSTemplates::all().constFirst().id,
+                        .templateVersion = {},
+                        .title = u"Number %1"_s.arg(number),
+                        .values = {{u"text"_s, QString::number(number).repeated(100)}},
+                        .state = {},
+                        .created = {},
+                        .modified = {}});
+        }
+        store.saveFilledPDF(u"us-w-9"_s, u"W-9"_s, "%PDF");
+        store.saveProfile({{u"city"_s, u"Pueblo"_s}, {u"fullName"_s, u"Jordan"_s}});
+        store.recordLinkCheck({.url = u"https://vell.example/"_s,
+                               .checked = QDateTime::fromSecsSinceEpoch(1, Qt::UTC),
+                               .status = 200,
+                               .ok = true,
+                               .finalURL = {},
+                               .contentType = {},
+                               .note = {}});
+    }
+
     static void changedIn(int seconds, const QString &path)
     {
         QFile file(path);
         QVERIFY(file.open(QIODevice::ReadWrite) &&
                 file.setFileTime(QDateTime::currentDateTime().addSecs(seconds),
                                  QFileDevice::FileModificationTime));
+    }
+
+    static QMap<qint64, QSDocument> documentsByID()
+    {
+        QMap<qint64, QSDocument> all;
+        for (const QSDocument &document : QSStore::shared()->documents()) {
+            all.insert(*document.id, document);
+        }
+        return all;
+    }
+
+    /// Closes the store and writes over leaf pages of a table or index. The ids of the documents
+    /// that were in them.
+    static QSet<qint64> damage(const QString &table, const QList<int> &leaves)
+    {
+        QSStore::setShared(nullptr);
+        QByteArray bytes = contents(ScratchUser::database());
+        SQLiteDB db(ScratchUser::database());
+        const QList<SQLRow> pages =
+            db.query(u"SELECT pageno, ncell FROM dbstat WHERE name = ? AND pagetype = 'leaf' "
+                     "ORDER BY path"_s,
+                     {table});
+        QList<qint64> ids; // in the order of the pages
+        for (const SQLRow &row : db.query(u"SELECT id FROM documents ORDER BY id"_s)) {
+            ids.append(row.intValue(u"id"_s).value());
+        }
+        QSet<qint64> lost;
+        for (const int leaf : leaves) {
+            const auto place = leaf < 0 ? pages.size() + leaf : leaf;
+            qint64 before = 0;
+            for (int page = 0; page < place; ++page) {
+                before += pages.at(page).intValue(u"ncell"_s).value();
+            }
+            if (table == u"documents"_s) {
+                const auto count = pages.at(place).intValue(u"ncell"_s).value();
+                const QList<qint64> gone = ids.sliced(before, count);
+                lost.unite(QSet<qint64>(gone.begin(), gone.end()));
+            }
+            const qint64 at = (pages.at(place).intValue(u"pageno"_s).value() - 1) * pageSize;
+            bytes.replace(at, pageSize, QByteArray(pageSize, 'x'));
+        }
+        db.close();
+        writeFile(ScratchUser::database(), bytes);
+        return lost;
     }
 
     std::unique_ptr<ScratchUser> m_user;
