@@ -1,7 +1,6 @@
 #include "QSDisk.h"
 
 #include <QFile>
-#include <QIODevice>
 
 #include <cerrno>
 #include <cstdio>
@@ -24,18 +23,6 @@ bool onFolder(const QString &path, int (*action)(int))
     return done;
 }
 } // namespace
-
-bool QSDisk::write(QIODevice &device, QByteArrayView bytes)
-{
-    while (!bytes.isEmpty()) {
-        const qint64 written = device.write(bytes.data(), bytes.size());
-        if (written <= 0) {
-            return false;
-        }
-        bytes = bytes.sliced(written);
-    }
-    return true;
-}
 
 bool QSDisk::moveToFreeName(const QString &from, const QString &to)
 {

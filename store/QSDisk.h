@@ -1,16 +1,9 @@
 #pragma once
 
-#include <QByteArrayView>
 #include <QString>
-
-class QIODevice;
 
 /// Getting bytes to the disk, and knowing that they are there. Any thread.
 namespace QSDisk {
-/// Writes all of the bytes, where a nearly full disk would take a part and say nothing. False when
-/// it can't; the device has the reason.
-[[nodiscard]] bool write(QIODevice &device, QByteArrayView bytes);
-
 /// Moves a file within its file system to a name that nothing has. False, with errno set, when it
 /// can't: EEXIST where something has the name.
 [[nodiscard]] bool moveToFreeName(const QString &from, const QString &to);

@@ -2,6 +2,7 @@
 
 #include "QSDisk.h"
 #include "QSError.h"
+#include "QSFile.h"
 #include "QSInfo.h"
 #include "QSStore.h"
 
@@ -110,7 +111,7 @@ void QSRestoreFolder::add(const QString &fileName, const QByteArray &pdf)
     QFile file(m_folder.filePath(fileName));
     if (!file.open(QIODevice::WriteOnly | QIODevice::NewOnly | QIODevice::Unbuffered,
                    QFile::ReadOwner | QFile::WriteOwner) ||
-        !QSDisk::write(file, pdf)) {
+        !QSFile::writeAll(file, pdf)) {
         throw failure(file.errorString());
     }
     m_files.append(fileName);

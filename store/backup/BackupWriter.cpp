@@ -1,8 +1,8 @@
 #include "BackupJSON.h"
 
 #include "BackupBase64.h"
-#include "QSDisk.h"
 #include "QSError.h"
+#include "QSFile.h"
 
 #include <rapidjson/prettywriter.h>
 
@@ -42,7 +42,7 @@ public:
 private:
     void writeOut(QByteArrayView text)
     {
-        if (!QSDisk::write(m_device, text)) {
+        if (!QSFile::writeAll(m_device, text)) {
             throw QSError::io(u"The backup could not be written: "_s + m_device.errorString());
         }
     }

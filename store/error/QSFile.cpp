@@ -20,6 +20,18 @@ void write(const QString &path, const QByteArray &data, Readers readers)
     }
 }
 
+bool writeAll(QIODevice &device, QByteArrayView bytes)
+{
+    while (!bytes.isEmpty()) {
+        const qint64 written = device.write(bytes.data(), bytes.size());
+        if (written <= 0) {
+            return false;
+        }
+        bytes = bytes.sliced(written);
+    }
+    return true;
+}
+
 QByteArray read(const QString &path)
 {
     QFile file(path);
