@@ -2,7 +2,7 @@
 
 #include <QString>
 
-/// Getting bytes to the disk, and knowing that they are there. Any thread.
+/// Names of files, and knowing that the disk has what was written. Any thread.
 namespace QSDisk {
 /// Moves a file within its file system to a name that nothing has. False, with errno set, when it
 /// can't: EEXIST where something has the name.

@@ -12,7 +12,7 @@ void write(const QString &path, const QByteArray &data, Readers readers)
     const bool written = file.open(QIODevice::WriteOnly) &&
                          (readers == Readers::everyone ||
                           file.setPermissions(QFile::ReadOwner | QFile::WriteOwner)) &&
-                         file.write(data) == data.size() &&
+                         writeAll(file, data) &&
                          file.flush() && // commit() forgets a failure of the last buffer
                          file.commit();
     if (!written) {
