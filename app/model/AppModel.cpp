@@ -20,7 +20,10 @@
 using namespace Qt::Literals::StringLiterals;
 
 namespace {
-const QString cannotExport = u"This document could not be exported."_s;
+QString cannotExport(const QSError &error)
+{
+    return u"This document could not be exported. "_s + error.description();
+}
 } // namespace
 
 AppModel::AppModel(QSDesktop &desktop, QObject *parent)
@@ -365,7 +368,7 @@ void AppModel::exportDocument(const QSDocument &document, QSExport::Format forma
         [rendered = *rendered, format](const std::stop_token &stop) {
             return QSExport::data(rendered, format, stop);
         },
-        [](const QSError &) { return cannotExport; });
+        cannotExport);
 }
 
 void AppModel::exportFile(const QString &name,
@@ -412,7 +415,7 @@ void AppModel::saveFile(const QByteArray &data, const QString &suggestedName)
         setMessage(u"Saved "_s + QFileInfo(*path).fileName());
     } catch (const QSError &error) {
         qWarning("%s: %s", qUtf8Printable(*path), error.what());
-        setMessage(cannotExport);
+        setMessage(cannotExport(error));
     }
 }
 

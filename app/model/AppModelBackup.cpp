@@ -9,7 +9,10 @@
 using namespace Qt::Literals::StringLiterals;
 
 namespace {
-const QString cannotBackUp = u"The backup could not be made."_s;
+QString cannotBackUp(const QString &cause)
+{
+    return u"The backup could not be made. "_s + cause;
+}
 
 /// What is said after a backup of that name.
 QString written(const QString &name, int leftOut)
@@ -29,7 +32,7 @@ void AppModel::backupNow()
     Q_EMIT editsWanted();
     QSBackup::File contents;
     if (!withStore([&contents](QSStore &open) { contents = QSBackup::contents(open); })) {
-        setMessage(cannotBackUp);
+        setMessage(cannotBackUp(m_message.value_or(QString())));
         return;
     }
     const std::optional<QString> path = chooseSavePath(QSBackup::suggestedName());
@@ -49,7 +52,8 @@ void AppModel::backupNow()
                 }
                 qWarning("%s", leftOut.error->what());
             }
-            setMessage(leftOut.result ? written(name, *leftOut.result) : cannotBackUp);
+            setMessage(leftOut.result ? written(name, *leftOut.result)
+                                      : cannotBackUp(leftOut.error->description()));
         });
 }
 

@@ -11,7 +11,10 @@
 using namespace Qt::Literals::StringLiterals;
 
 namespace {
-const QString cannotOpenSaved = u"This saved PDF could not be opened."_s;
+QString cannotOpenSaved(const QSError &error)
+{
+    return u"This saved PDF could not be opened. "_s + error.description();
+}
 
 QString filledPath(const QSFilledPDF &record)
 {
@@ -39,7 +42,7 @@ void AppModel::loadFilledPDF(
         [this, loaded](const AsyncTask::Outcome<Document> &opened) {
             if (opened.error) {
                 qWarning("%s", opened.error->what());
-                setMessage(cannotOpenSaved);
+                setMessage(cannotOpenSaved(*opened.error));
                 return;
             }
             whenNothingIsAsked([=] { loaded(*opened.result); });
@@ -104,7 +107,7 @@ QString AppModel::handOut(const QSFilledPDF &record)
         return path;
     } catch (const QSError &error) {
         qWarning("%s", error.what());
-        setMessage(cannotOpenSaved);
+        setMessage(cannotOpenSaved(error));
         return {};
     }
 }

@@ -43,7 +43,7 @@ private:
     void writeOut(QByteArrayView text)
     {
         if (!QSFile::writeAll(m_device, text)) {
-            throw QSError::io(u"The backup could not be written: "_s + m_device.errorString());
+            throw QSError::io(u"The file could not be written: "_s + m_device.errorString());
         }
     }
 

@@ -25,7 +25,7 @@ using namespace Qt::Literals::StringLiterals;
 namespace {
 QSError failure(const QString &reason)
 {
-    return QSError::io(u"The backup could not be written: "_s + reason);
+    return QSError::io(u"The file could not be written: "_s + reason);
 }
 
 double seconds(const QDateTime &time)

@@ -258,7 +258,7 @@ private Q_SLOTS:
         QTest::addColumn<QString>("target");
         QTest::addColumn<bool>("written");
         QTest::addColumn<QString>("message");
-        const QString failed = u"This document could not be exported."_s;
+        const QString failed = u"This document could not be exported. No such file or directory"_s;
         QTest::newRow("a new file") << u"rent.pdf"_s << true << u"Saved rent.pdf"_s;
         QTest::newRow("a folder that is not there") << u"no/rent.pdf"_s << false << failed;
     }
@@ -295,7 +295,8 @@ private Q_SLOTS:
         QTest::ignoreMessage(QtWarningMsg, QRegularExpression(u"rent\\.pdf"_s));
         m_model->exportDocument(savedReceipt(u"May rent"_s), QSExport::Format::pdf);
         QVERIFY(messages.wait(20000));
-        QCOMPARE(m_model->message(), u"This document could not be exported."_s);
+        QCOMPARE(m_model->message().value(),
+                 u"This document could not be exported. No space left on device"_s);
         QCOMPARE(contents(target), older);
         QCOMPARE(QDir(folder).entryList(QDir::Files | QDir::Hidden), QStringList{u"rent.pdf"_s});
     }
@@ -307,7 +308,8 @@ private Q_SLOTS:
         QTest::ignoreMessage(QtWarningMsg, QRegularExpression(u"."_s));
         m_model->exportDocument(savedReceipt(u"May rent"_s), QSExport::Format::docx);
         QVERIFY(messages.wait(20000));
-        QCOMPARE(m_model->message(), u"This document could not be exported."_s);
+        QCOMPARE(m_model->message(), u"This document could not be exported. LibreOffice, which "
+                                     "writes Word and Rich Text files, was not found."_s);
         QVERIFY(m_desktop->suggestedNames.isEmpty());
     }
 

@@ -83,7 +83,13 @@ private Q_SLOTS:
         m_backup = m_user->path(u"no/such/folder.qsbackup"_s);
         QTest::ignoreMessage(QtWarningMsg, QRegularExpression(u"."_s));
         backUp();
-        QCOMPARE(m_model->message(), u"The backup could not be made."_s);
+        QCOMPARE(m_model->message(), u"The backup could not be made. The file could not be "
+                                     "written: No such file or directory"_s);
+        QSStore::shared()->db().exec(u"ALTER TABLE documents RENAME TO others"_s);
+        m_model->backupNow();
+        QCOMPARE(m_model->message(), u"The backup could not be made. The database reported a "
+                                     "problem: no such table: documents"_s);
+        QSStore::shared()->db().exec(u"ALTER TABLE others RENAME TO documents"_s);
         writeFile(m_user->path(u"other.qsbackup"_s), "{}");
         m_backup = m_user->path(u"other.qsbackup"_s);
         restoreAnswering({restoreButton});

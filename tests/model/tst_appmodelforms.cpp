@@ -271,13 +271,16 @@ private Q_SLOTS:
     void aCopyThatCannotBeReadLeavesTheFormWindowAlone_data()
     {
         QTest::addColumn<QByteArray>("bytes");
-        QTest::newRow("its file is gone") << QByteArray();
-        QTest::newRow("its file is no PDF any more") << QByteArray("moved");
+        QTest::addColumn<QString>("cause");
+        QTest::newRow("its file is gone") << QByteArray() << u"No such file or directory"_s;
+        QTest::newRow("its file is no PDF any more")
+            << QByteArray("moved") << u"This file is not a PDF, so it can't be opened here."_s;
     }
 
     void aCopyThatCannotBeReadLeavesTheFormWindowAlone()
     {
         QFETCH(QByteArray, bytes);
+        QFETCH(QString, cause);
         const QSFilledPDF record = QSStore::shared()->saveFilledPDF(u"us-w-9"_s, u"W-9"_s, m_form);
         const QString path = QSInfo::filledFolder().filePath(record.fileName);
         QVERIFY(QFile::remove(path));
@@ -288,7 +291,7 @@ private Q_SLOTS:
         const QUuid opening = m_model->openPDF()->form().id;
         QTest::ignoreMessage(QtWarningMsg, QRegularExpression(u"."_s));
         m_model->openSaved(record);
-        QTRY_COMPARE(m_model->message(), u"This saved PDF could not be opened."_s);
+        QTRY_COMPARE(m_model->message(), u"This saved PDF could not be opened. "_s + cause);
         QCOMPARE(m_model->openPDF()->form().id, opening);
     }
 

@@ -108,10 +108,10 @@ void TestBackupFaults::aFailedBackupLeavesThePlace()
 {
     m_user->fill(u"x"_s);
     QCOMPARE(sentence([&] { m_user->backUp(u"/nowhere/a.qsbackup"_s); }),
-             u"The backup could not be written: No such file or directory"_s);
+             u"The file could not be written: No such file or directory"_s);
     const QUrl folderURL = QUrl::fromLocalFile(QSInfo::dataFolder().path());
     QCOMPARE(sentence([&] { QSBackup::write(m_user->store(), folderURL); }),
-             u"The backup could not be written: Is a directory"_s);
+             u"The file could not be written: Is a directory"_s);
 
     const QString folder = m_user->path(u"disk"_s);
     const SmallDisk disk(folder, 64 * 1024);
@@ -121,7 +121,7 @@ void TestBackupFaults::aFailedBackupLeavesThePlace()
     writeFile(folder + u"/a.qsbackup"_s, "an older one");
     const QMap<QString, QByteArray> before = tree(folder);
     QCOMPARE(sentence([&] { m_user->backUp(folder + u"/a.qsbackup"_s); }),
-             u"The backup could not be written: No space left on device"_s);
+             u"The file could not be written: No space left on device"_s);
     QCOMPARE(tree(folder), before);
 }
 
