@@ -25,7 +25,8 @@ std::unique_ptr<QSettings> settings()
 
 bool disclaimerAccepted()
 {
-    return settings()->value(disclaimerKey, false).toBool();
+    // toBool() would take any word but "false" for a yes
+    return settings()->value(disclaimerKey).toString() == "true"_L1;
 }
 
 void setDisclaimerAccepted(bool accepted)

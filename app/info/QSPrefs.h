@@ -20,7 +20,8 @@ void setFileOverride(const QString &path);
 /// The store itself, for preferences that another layer owns (theme, zoom, window layout).
 std::unique_ptr<QSettings> settings();
 
-/// False until the user has accepted the first-launch disclaimer.
+/// False until the user has accepted the first-launch disclaimer, and for a value that accepting
+/// does not store.
 bool disclaimerAccepted();
 void setDisclaimerAccepted(bool accepted);
 

@@ -80,7 +80,28 @@ private Q_SLOTS:
         QVERIFY(QSPrefs::disclaimerAccepted());
     }
 
+    void onlyWhatAcceptingStoresCountsAsAccepted()
+    {
+        for (const QString &stored : {u"rubbish"_s, u"no"_s, u"2"_s, u""_s, u"false"_s}) {
+            writePreference(u"qs.disclaimerAccepted.v1="_s + stored);
+            QVERIFY2(!QSPrefs::disclaimerAccepted(), qPrintable(stored));
+        }
+        writePreference(u"qs.disclaimerAccepted.v1=true"_s);
+        QVERIFY(QSPrefs::disclaimerAccepted());
+    }
+
 private:
+    void writePreference(const QString &line)
+    {
+        const QString path = m_home->filePath(u"preferences.ini"_s);
+        QFile::remove(path);
+        {
+            QFile file(path);
+            QVERIFY(file.open(QIODevice::WriteOnly));
+            file.write("[General]\n" + line.toUtf8() + '\n');
+        }
+    }
+
     std::unique_ptr<QTemporaryDir> m_home;
 };
 
