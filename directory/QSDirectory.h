@@ -35,7 +35,7 @@ struct QSDirectory
                                                            u"FL", u"NY", u"IL"};
 
     QString format;
-    int version = 0;
+    qint64 version = 0;
     QString checked; ///< "yyyy-MM-dd" on which the whole directory was last reviewed
     QString note;
     QList<QSJurisdiction> jurisdictions; ///< in file order

@@ -6,9 +6,6 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 
-#include <cmath>
-#include <limits>
-
 using namespace Qt::Literals::StringLiterals;
 
 namespace {
@@ -52,15 +49,14 @@ public:
         return value.toBool();
     }
 
-    [[nodiscard]] int integer(const QString &key) const
+    [[nodiscard]] qint64 integer(const QString &key) const
     {
         const QJsonValue value = m_object.value(key);
-        const double number = value.toDouble(std::nan(""));
-        if (!value.isDouble() || number != std::floor(number) ||
-            std::abs(number) > std::numeric_limits<int>::max()) {
+        const qint64 number = value.toInteger(0);
+        if (number != value.toInteger(1)) { // it gives back what stands in for a missing number
             fail(missing(key, u"a whole number"_s));
         }
-        return static_cast<int>(number);
+        return number;
     }
 
     [[nodiscard]] QMap<QString, QString> texts(const QString &key) const

@@ -166,6 +166,7 @@ private Q_SLOTS:
             << changed(u"entries"_s, u"browserOnly"_s, u"yes"_s) << u"\"browserOnly\""_s;
         QTest::newRow("version with a fraction")
             << changed({}, u"version"_s, 1.5) << u"\"version\""_s;
+        QTest::newRow("version as text") << changed({}, u"version"_s, u"3"_s) << u"\"version\""_s;
         QTest::newRow("offices not texts")
             << changed(u"jurisdictions"_s, u"offices"_s, QJsonObject{{u"llc"_s, 1}})
             << u"jurisdictions[0].offices"_s;
@@ -183,6 +184,13 @@ private Q_SLOTS:
             QFAIL("It was decoded.");
         } catch (const QSError &error) {
             QVERIFY2(error.description().contains(said), error.what());
+        }
+    }
+
+    void anyWholeNumberIsAVersion()
+    {
+        for (const qint64 version : {qint64{-1}, qint64{1} << 40, (qint64{1} << 53) + 1}) {
+            QCOMPARE(QSDirectory::decode(changed({}, u"version"_s, version)).version, version);
         }
     }
 
