@@ -252,6 +252,7 @@ private Q_SLOTS:
         QTest::newRow("good") << u"https://www.court.example/a?b=1#c"_s << true;
         QTest::newRow("with a port") << u"https://court.example:8443/"_s << true;
         QTest::newRow("empty") << QString() << false;
+        QTest::newRow("a port that no site has") << u"https://court.example:99999/"_s << false;
         QTest::newRow("http") << u"http://court.example/"_s << false;
         QTest::newRow("upper-case scheme") << u"HTTPS://court.example/"_s << false;
         QTest::newRow("no dot") << u"https://localhost/"_s << false;

@@ -78,7 +78,10 @@ private Q_SLOTS:
         QCOMPARE(document.values.value(u"landlord_name"_s), u"Rosa Delgado"_s);
         QCOMPARE(document.state, u"FL"_s);
         QVERIFY(!m_model->editing()->hasUnsavedChanges());
-        QVERIFY(m_model->closeEditor()); // nothing typed: no question
+        QVERIFY(m_model->closeEditor());                          // nothing typed: no question
+        m_model->setProfileValue(u"fullName"_s, u"R. Delgado"_s); // not saved yet
+        m_model->newDocument(receipt());
+        QCOMPARE(m_model->editing()->document().values.value(u"landlord_name"_s), u"R. Delgado"_s);
     }
 
     void savingShowsItsMessageAndClosingThenAsksNothing()
