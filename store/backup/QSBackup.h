@@ -93,8 +93,8 @@ int write(const File &contents, const QUrl &url, const Progress &progress = {},
 
 /// Replaces what the store holds by the backup, all of it or, with an exception, nothing. Ids of
 /// documents and filled PDFs are new ones, so that nothing that still has an old id can meet
-/// another record. Files of filled PDFs that are replaced stay, unless the backup has their names; a
-/// file that no record named stays in any case, and the backup's gets a new name.
+/// another record. Files of filled PDFs that are replaced stay, unless the backup has their names;
+/// a file that no record named stays in any case, and the backup's gets a new name.
 void restore(const QByteArray &bytes, QSStore &store);
 
 /// A backup that was read, checked and laid ready. When the last copy goes, so do its files.
