@@ -214,7 +214,9 @@ void AppModel::openOfficialPage(const QSEntry &entry)
 
 void AppModel::openLink(const QString &url)
 {
-    if (!m_desktop.openInBrowser(QUrl(url))) {
+    if (!QSDirectory::wellFormed(url)) { // another scheme would start a program of its own
+        setMessage(u"This link is not a secure web page (https) and was not opened: %1"_s.arg(url));
+    } else if (!m_desktop.openInBrowser(QUrl(url))) {
         setMessage(u"The web browser could not be opened. The page is %1"_s.arg(url));
     }
 }

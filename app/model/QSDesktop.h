@@ -39,7 +39,7 @@ public:
                                                                 const QString &extension) = 0;
     /// Position of the button chosen.
     [[nodiscard]] virtual int ask(const Question &question) = 0;
-    /// False when there is no browser to open it.
+    /// url: an https one. False when there is no browser to open it.
     [[nodiscard]] virtual bool openInBrowser(const QUrl &url) = 0;
     /// Shows the print panel and prints unless it is cancelled. Throws QSError when printing fails.
     virtual void print(const QSRendered &rendered) = 0;

@@ -163,6 +163,17 @@ private Q_SLOTS:
         QVERIFY(m_model->message()->contains(m_desktop->browsed.constLast().toString()));
     }
 
+    void onlyWebPagesOpenInTheBrowser()
+    {
+        for (const QString &url : {u"file:///etc/passwd"_s, u"http://www.irs.gov/"_s,
+                                   u"ssh://host.example.gov"_s, u"javascript:1"_s, u""_s}) {
+            m_model->openLink(url);
+            QCOMPARE(m_model->message(),
+                     u"This link is not a secure web page (https) and was not opened: "_s + url);
+        }
+        QVERIFY(m_desktop->browsed.isEmpty());
+    }
+
     void theFormAskedForLastIsShown()
     {
         Answer slow = Answer::pdf(m_form);
