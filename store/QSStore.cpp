@@ -408,14 +408,24 @@ void QSStore::deleteFilledPDF(const QSFilledPDF &record)
 void QSStore::recordLinkCheck(const QSLinkCheck &check)
 {
     try {
-        m_db.run(
-            u"INSERT OR REPLACE INTO link_checks (url, checked, status, ok, final_url, content_type, note) VALUES (?,?,?,?,?,?,?)"_s,
-            {check.url, check.checked, check.status, check.ok, check.finalURL, check.contentType,
-             check.note});
+        recordLinkChecks({check});
     } catch (const QSError &error) {
         // Not worth a message: the link counts as unchecked.
         qWarning("The check of a link could not be recorded: %s", error.what());
     }
+}
+
+void QSStore::recordLinkChecks(const QList<QSLinkCheck> &checks)
+{
+    m_db.transaction([&] {
+        SQLStatement record = m_db.prepare(
+            u"INSERT OR REPLACE INTO link_checks (url, checked, status, ok, final_url, content_type, note) VALUES (?,?,?,?,?,?,?)"_s);
+        for (const QSLinkCheck &check : checks) {
+            record.bind({check.url, check.checked, check.status, check.ok, check.finalURL,
+                         check.contentType, check.note});
+            record.step();
+        }
+    });
 }
 
 QList<QSLinkCheck> QSStore::linkChecks()

@@ -156,6 +156,8 @@ public:
 
     /// Errors are ignored: a check that can't be recorded is checked again.
     void recordLinkCheck(const QSLinkCheck &check);
+    /// All of them or none; throws why not.
+    void recordLinkChecks(const QList<QSLinkCheck> &checks);
     [[nodiscard]] QList<QSLinkCheck> linkChecks();
 
     /// Forms, templates and documents in which every word of the text begins a word, best first.

@@ -303,6 +303,8 @@ private:
     void openWordCopy(const QString &title, const QSCache::Result &official);
     [[nodiscard]] bool prefersOwnCopy(const QString &title, const QString &path);
     void linksChecked(const QList<QSLinkChecker::Check> &checks);
+    /// Returns why they could not be recorded; empty when they are.
+    [[nodiscard]] QString recordChecks(const QList<QSLinkChecker::Check> &checks);
     /// Makes a file in the background, then asks where to put it; the message when it can't be
     /// made.
     void exportFile(const QString &name,

@@ -290,36 +290,48 @@ void AppModel::stopChecking()
     m_check.request_stop();
 }
 
-void AppModel::linksChecked(const QList<QSLinkChecker::Check> &checks)
+QString AppModel::recordChecks(const QList<QSLinkChecker::Check> &checks)
 {
     const QDateTime now = QSClock::now();
-    if (store()) {
-        withStore([&](QSStore &open) {
-            open.db().transaction([&] {
-                for (const QSLinkChecker::Check &check : checks) {
-                    open.recordLinkCheck({.url = check.url,
-                                          .checked = now,
-                                          .status = check.status,
-                                          .ok = check.ok,
-                                          .finalURL = check.finalURL,
-                                          .contentType = check.contentType,
-                                          .note = check.note});
-                }
-            });
-        });
+    QList<QSLinkCheck> records;
+    for (const QSLinkChecker::Check &check : checks) {
+        records.append({.url = check.url,
+                        .checked = now,
+                        .status = check.status,
+                        .ok = check.ok,
+                        .finalURL = check.finalURL,
+                        .contentType = check.contentType,
+                        .note = check.note});
     }
+    const bool done = withStore([&records](QSStore &open) { open.recordLinkChecks(records); });
+    const QString failure = done ? QString() : m_message.value_or(QString());
     copiesChanged();
+    return failure;
+}
+
+void AppModel::linksChecked(const QList<QSLinkChecker::Check> &checks)
+{
+    const bool anyAnswer = std::ranges::any_of(
+        checks, [](const QSLinkChecker::Check &check) { return check.status != 0; });
+    const QString failure = anyAnswer ? recordChecks(checks) : QString();
     const auto attention = std::ranges::count_if(checks, &QSLinkChecker::Check::needsAttention);
+    QString text;
     if (m_check.stop_requested()) {
-        setMessage(u"The check was stopped after %1 links."_s.arg(checks.size()));
+        text = u"The check was stopped after %1 links."_s.arg(checks.size());
+    } else if (!anyAnswer) { // it is the network here that is broken, and not each of the links
+        text = u"None of the official sites could be reached. Check your internet connection; no "
+               "link was marked. Reason: %1."_s.arg(checks.value(0).note);
     } else if (attention > 0) {
-        setMessage(u"%1 of %2 official links need attention. They are marked on this screen."_s
-                       .arg(attention)
-                       .arg(checks.size()));
+        text = u"%1 of %2 official links need attention."_s.arg(attention).arg(checks.size());
+        text += failure.isEmpty() ? u" They are marked on this screen."_s : QString();
     } else {
-        setMessage(u"All %1 official links answered. California court links are checked by hand "
-                   "(their terms don't allow automated checks)."_s.arg(checks.size()));
+        text = u"All %1 official links answered. California court links are checked by hand "
+               "(their terms don't allow automated checks)."_s.arg(checks.size());
     }
+    if (!failure.isEmpty()) {
+        text += u" The results could not be saved, so this screen does not show them. "_s + failure;
+    }
+    setMessage(text);
 }
 
 // The form in the form window

@@ -6,6 +6,7 @@
 #include "QSPDF.h"
 #include "TestFiles.h"
 
+#include <QRegularExpression>
 #include <QSignalSpy>
 #include <QTest>
 #include <QThreadPool>
@@ -441,6 +442,32 @@ private Q_SLOTS:
         QCOMPARE(m_model->linkStatus(w9()).level, 0);
     }
 
+    void aCheckThatCannotBeRecordedSaysSo()
+    {
+        m_agencies->answer(ss4().url, {Answer::refusal(404)});
+        QSStore::shared()->db().exec(u"CREATE TRIGGER full BEFORE INSERT ON link_checks BEGIN "
+                                     "SELECT RAISE(ABORT, 'disk is full'); END"_s);
+        const QString said = checkLinks();
+        QVERIFY2(QRegularExpression(
+                     u"^[1-9]\\d* of \\d+ official links need attention. The results could not be "
+                     "saved, so this screen does not show them. The database reported a problem: "
+                     "disk is full$"_s)
+                     .match(said)
+                     .hasMatch(),
+                 qPrintable(said));
+        QCOMPARE(m_model->linkStatus(ss4()).level, 0);
+    }
+
+    void withoutANetworkNoLinkIsMarked()
+    {
+        m_agencies->goAway();
+        QCOMPARE(checkLinks(), u"None of the official sites could be reached. Check your internet "
+                               "connection; no link was marked. Reason: the site could not be "
+                               "reached."_s);
+        m_agencies->comeBack();
+        QVERIFY(QSStore::shared()->linkChecks().isEmpty());
+    }
+
     void aCheckOfAllLinksStops()
     {
         Answer silent = Answer::pdf(m_form);
@@ -470,6 +497,14 @@ private:
     static qsizetype threads()
     {
         return QDir(u"/proc/self/task"_s).entryList(QDir::Dirs | QDir::NoDotAndDotDot).size();
+    }
+
+    /// What is said at the end of a check of all links.
+    QString checkLinks()
+    {
+        m_model->checkAllLinks();
+        const bool ended = QTest::qWaitFor([this] { return !m_model->checking(); }, 60000);
+        return ended ? m_model->message().value_or(QString()) : QString();
     }
 
     void type(const QString &name, const QString &text)

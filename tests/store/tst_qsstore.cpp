@@ -352,6 +352,17 @@ void TestQSStore::recordsLinkChecks()
     check.ok = true;
     m_store->recordLinkCheck(check);
     QCOMPARE(m_store->linkChecks(), QList<QSLinkCheck>{check});
+    QSLinkCheck other = check;
+    other.url = u"https://c.example/"_s;
+    check.status = 500;
+    m_store->recordLinkChecks({check, other});
+    QCOMPARE(m_store->linkChecks(), (QList<QSLinkCheck>{check, other}));
+    m_store->db().exec(u"CREATE TRIGGER no BEFORE INSERT ON link_checks WHEN NEW.url = '%1' "
+                       "BEGIN SELECT RAISE(ABORT, 'no room'); END"_s.arg(other.url));
+    const QList<QSLinkCheck> kept = m_store->linkChecks();
+    check.status = 200;
+    QVERIFY_THROWS_EXCEPTION(QSError, m_store->recordLinkChecks({check, other}));
+    QCOMPARE(m_store->linkChecks(), kept);
     m_store->db().exec(u"DROP TABLE link_checks"_s);
     QTest::ignoreMessage(QtWarningMsg, QRegularExpression(u": no such table: link_checks"_s));
     m_store->recordLinkCheck(check); // and nothing is thrown
