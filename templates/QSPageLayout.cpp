@@ -1,14 +1,13 @@
 #include "QSPageLayout.h"
 
 #include "QSBlockStyle.h"
+#include "QSLetters.h"
 
 #include <QFontDatabase>
 #include <QFontMetricsF>
-#include <QGlyphRun>
 #include <QHash>
 #include <QImage>
 #include <QPainter>
-#include <QSet>
 #include <QTextLayout>
 #include <QTextOption>
 
@@ -108,46 +107,6 @@ struct PlacedLine
 };
 using Page = std::vector<PlacedLine>;
 
-bool hasMissingGlyph(const QList<QGlyphRun> &runs)
-{
-    return std::ranges::any_of(runs,
-                               [](const QGlyphRun &run) { return run.glyphIndexes().contains(0); });
-}
-
-/// False for what only directs the letters around it, or is space: no font needs a glyph for it.
-bool isPrinted(char32_t character)
-{
-    const bool selectsVariant = (character >= 0xFE00 && character <= 0xFE0F) ||
-                                (character >= 0xE0100 && character <= 0xE01EF);
-    const QChar::Category category = QChar::category(character);
-    return category != QChar::Other_Control && category != QChar::Other_Format &&
-           !QChar::isSpace(character) && !selectsVariant;
-}
-
-/// The characters of a text for which no installed font has a glyph, each once. Looking at one
-/// character after the other is slow, so only a text that lacks something pays for it.
-QStringList missingCharacters(const QTextLayout &text)
-{
-    if (!hasMissingGlyph(text.glyphRuns())) {
-        return {};
-    }
-    QSet<char32_t> looked;
-    QStringList missing;
-    int at = 0;
-    for (const char32_t character : text.text().toStdU32String()) {
-        const QString letter = QString::fromUcs4(&character, 1);
-        const auto length = static_cast<int>(letter.size());
-        if (isPrinted(character) && !looked.contains(character)) {
-            looked.insert(character);
-            if (hasMissingGlyph(text.glyphRuns(at, length))) {
-                missing.append(letter);
-            }
-        }
-        at += length;
-    }
-    return missing;
-}
-
 /// One kind of block, ready to set: fonts and options are costly to make for every block.
 struct Setter
 {
@@ -190,7 +149,7 @@ struct Setter
             block->lines.push_back(measure(line));
         }
         text.endLayout();
-        block->missing = missingCharacters(text);
+        block->missing = QSLetters::missing(text);
         return block;
     }
 

@@ -48,8 +48,8 @@ public:
     /// Where a block of the document (from 0) begins, and how far it reaches on that page.
     [[nodiscard]] Place placeOfBlock(int block) const;
 
-    /// The characters that print as empty boxes, since no installed font has them: each once, in
-    /// order of appearance.
+    /// The characters that can't be printed, since no installed font has them: each once, in order
+    /// of appearance.
     [[nodiscard]] QString missingCharacters() const;
 
     /// Draws one page's text and its "Page k of N" foot, without a background, in points.

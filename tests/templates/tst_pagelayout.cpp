@@ -3,6 +3,8 @@
 #include <QFontDatabase>
 #include <QImage>
 #include <QPainter>
+#include <QProcess>
+#include <QTemporaryDir>
 #include <QTest>
 
 namespace {
@@ -47,6 +49,7 @@ private Q_SLOTS:
     void keptBlocksStayWithWhatFollows();
     void missingCharacters_data();
     void missingCharacters();
+    void missingWhereNoFontIsInstalled();
     void updateDrawsWhatAFreshLayoutDraws();
     void rightToLeftTextStartsAtTheRight();
     void colours();
@@ -168,6 +171,8 @@ void TestPageLayout::missingCharacters_data()
         << QString();
     QTest::newRow("each once, in order")
         << QStringLiteral("x\u0380y\u0378\u0380 \u0378z") << QStringLiteral("\u0380\u0378");
+    QTest::newRow("private use, which a font may fill with anything")
+        << QStringLiteral("\uf0b7 x\ue000") << QStringLiteral("\uf0b7\ue000");
     QTest::newRow("whole pairs") << QStringLiteral("x\U00050000e\U00050001")
                                  << QStringLiteral("\U00050000\U00050001");
 }
@@ -187,6 +192,35 @@ void TestPageLayout::missingCharacters()
     QCOMPARE(layout.missingCharacters(), missing);
     layout.update(numbered(1));
     QCOMPARE(layout.missingCharacters(), QString());
+}
+
+/// In a process of its own, which is shown one family of fonts.
+void TestPageLayout::missingWhereNoFontIsInstalled()
+{
+    static constexpr const char *child = "QS_FEW_FONTS";
+    const QString letters = QString::fromUtf8("सक宋김สአԱខ");
+    if (!qEnvironmentVariableIsSet(child)) {
+        const QTemporaryDir folder;
+        QFile file(folder.filePath(QStringLiteral("fonts.conf")));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write("<fontconfig><dir>/usr/share/fonts/truetype/liberation2</dir><cachedir>" +
+                   folder.path().toUtf8() + "</cachedir></fontconfig>");
+        file.close();
+        QProcess process;
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert(QString::fromLatin1(child), QStringLiteral("1"));
+        environment.insert(QStringLiteral("FONTCONFIG_FILE"), file.fileName());
+        process.setProcessEnvironment(environment);
+        process.start(QCoreApplication::applicationFilePath(),
+                      {QString::fromLatin1(QTest::currentTestFunction())});
+        QVERIFY(process.waitForFinished());
+        QVERIFY2(process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0,
+                 process.readAllStandardOutput().constData());
+        return;
+    }
+    QSPageLayout layout;
+    layout.update({{}, {{Kind::paragraph, {QStringLiteral("Ann ") + letters}}}});
+    QCOMPARE(layout.missingCharacters(), letters);
 }
 
 void TestPageLayout::updateDrawsWhatAFreshLayoutDraws()
