@@ -7,15 +7,16 @@
 #include "QSInfo.h"
 #include "QSMutation.h"
 #include "QSPageLayout.h"
+#include "TextCanvas.h"
 
-#include <QBuffer>
 #include <QPageLayout>
 #include <QPageRanges>
+#include <QPagedPaintDevice>
 #include <QPainter>
-#include <QPdfWriter>
 #include <QTextBoundaryFinder>
 
 #include <algorithm>
+#include <stdexcept>
 
 namespace {
 constexpr int longestName = 120; ///< characters as a reader counts them
@@ -39,15 +40,17 @@ void fitToPaper(QPainter &painter, const QPagedPaintDevice &device)
     painter.scale(fit, fit);
 }
 
+int pagesOf(const QSPageLayout &layout)
+{
+    return QSMutation::on(u"export-first-page-only") ? 1 : layout.pageCount();
+}
+
 /// The pages (from 0) that the device was asked to print.
 QList<int> wantedPages(const QPagedPaintDevice &device, int count)
 {
     const QPageRanges ranges = device.pageRanges();
     QList<int> pages;
     for (int page = 0; page < count; ++page) {
-        if (QSMutation::on(u"export-first-page-only") && page > 0) {
-            break;
-        }
         if (ranges.isEmpty() || ranges.contains(page + 1)) {
             pages.append(page);
         }
@@ -63,17 +66,19 @@ const QSExport::FormatInfo &QSExport::info(Format format)
 
 QByteArray QSExport::pdf(const QSRendered &rendered)
 {
-    QByteArray bytes;
-    QBuffer buffer(&bytes);
-    buffer.open(QIODevice::WriteOnly);
-    {
-        QPdfWriter writer(&buffer);
-        writer.setPageLayout(QPageLayout(QPageSize(QPageSize::Letter), QPageLayout::Portrait, {}));
-        writer.setTitle(lineFlow(rendered.title));
-        writer.setCreator(QSInfo::appName);
-        print(rendered, writer);
+    QSPageLayout layout;
+    layout.update(rendered);
+    PagesCanvas canvas;
+    canvas.setTitle(lineFlow(rendered.title), QSInfo::appName);
+    for (int page = 0; page < pagesOf(layout); ++page) {
+        canvas.beginPage(QSPageLayout::pageSize);
+        layout.drawPage(canvas, page);
     }
-    return bytes;
+    try {
+        return canvas.finish();
+    } catch (const std::runtime_error &error) {
+        throw QSError::invalid(QString::fromUtf8(error.what()));
+    }
 }
 
 QByteArray QSExport::docx(const QSRendered &rendered, const std::stop_token &stop)
@@ -104,7 +109,7 @@ void QSExport::print(const QSRendered &rendered, QPagedPaintDevice &device)
 {
     QSPageLayout layout;
     layout.update(rendered);
-    const QList<int> pages = wantedPages(device, layout.pageCount());
+    const QList<int> pages = wantedPages(device, pagesOf(layout));
     if (pages.isEmpty()) {
         throw QSError::invalid(QStringLiteral("The document has none of the pages to print."));
     }

@@ -2,6 +2,7 @@
 
 #include "QSBlockStyle.h"
 #include "QSLetters.h"
+#include "TextCanvas.h"
 
 #include <QFontDatabase>
 #include <QFontMetricsF>
@@ -46,13 +47,28 @@ QString serifFamily()
     return QFontDatabase::hasFamily(wanted) ? wanted : QStringLiteral("Liberation Serif");
 }
 
+/// The fonts of the scripts that it lacks, from the first one that has a letter. Left to itself the
+/// font system takes any, and letters of one word from two that don't join.
+QStringList families()
+{
+    // Qt 6.4 names a glyph of a printed PDF by one letter alone, and larger fonts than this one
+    // draw some ideographs and radicals with the same glyph: a copied text would be another.
+    QStringList names = {serifFamily(), QStringLiteral("Droid Sans Fallback"),
+                         QStringLiteral("Noto Naskh Arabic")};
+    for (const QStringView script :
+         {u"Hebrew",   u"Devanagari", u"Gurmukhi", u"Bengali", u"Gujarati", u"Tamil", u"Telugu",
+          u"Kannada",  u"Malayalam",  u"Sinhala",  u"Thai",    u"Lao",      u"Khmer", u"Myanmar",
+          u"Ethiopic", u"Armenian",   u"Georgian", u"Tibetan", u"CJK KR",   u"CJK SC"}) {
+        names.append(QStringLiteral("Noto Serif ") + script.toString());
+    }
+    return names;
+}
+
 QFont serif(qreal size, bool bold, bool italic)
 {
     static const QImage measure = createMeasure();
-    static const QString family = serifFamily();
-    // Qt 6.4 names a glyph of a PDF by one letter alone, and larger fonts than this one draw some
-    // ideographs and radicals with the same glyph: a copied text would be another.
-    QFont font({family, QStringLiteral("Droid Sans Fallback")});
+    static const QStringList names = families();
+    QFont font(names);
     font.setStyleHint(QFont::Serif);
     font.setPointSizeF(size);
     font.setBold(bold);
@@ -182,6 +198,24 @@ void drawLine(QPainter &painter, const SetBlock &block, std::size_t index, qreal
     painter.scale(1.0 / unitsPerPoint, 1.0 / unitsPerPoint);
     line.draw(&painter, {0, -line.ascent()});
     painter.restore();
+}
+
+void drawLine(PagesCanvas &canvas, const SetBlock &block, std::size_t index, qreal baseline)
+{
+    constexpr qreal scale = 1.0 / unitsPerPoint;
+    const QTextLine line = block.text.lineAt(static_cast<int>(index));
+    const QTransform toPage(scale, 0, 0, scale, QSPageLayout::margin,
+                            baseline - scale * line.ascent());
+    QSLetters::draw(canvas, block.text, line, toPage, block.style.grey ? blockGrey : blockBlack);
+}
+
+template <typename Target>
+void drawPage(Target &target, const Page &page, const SetBlock &foot)
+{
+    for (const PlacedLine &line : page) {
+        drawLine(target, *line.block, line.line, QSPageLayout::margin + line.baseline);
+    }
+    drawLine(target, foot, 0, footBaseline);
 }
 } // namespace
 
@@ -340,8 +374,11 @@ QSPageLayout::Place QSPageLayout::placeOfBlock(int block) const
 void QSPageLayout::drawPage(QPainter &painter, int page) const
 {
     const auto index = static_cast<std::size_t>(page);
-    for (const PlacedLine &line : d->pages.at(index)) {
-        drawLine(painter, *line.block, line.line, margin + line.baseline);
-    }
-    drawLine(painter, *d->feet.at(index), 0, footBaseline);
+    ::drawPage(painter, d->pages.at(index), *d->feet.at(index));
+}
+
+void QSPageLayout::drawPage(PagesCanvas &canvas, int page) const
+{
+    const auto index = static_cast<std::size_t>(page);
+    ::drawPage(canvas, d->pages.at(index), *d->feet.at(index));
 }

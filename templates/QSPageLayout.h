@@ -7,6 +7,7 @@
 
 #include <memory>
 
+class PagesCanvas;
 class QPainter;
 
 /// A rendered document set in lines and pages: the one layout that the preview, the printer and
@@ -54,6 +55,8 @@ public:
 
     /// Draws one page's text and its "Page k of N" foot, without a background, in points.
     void drawPage(QPainter &painter, int page) const;
+    /// The same on a page of a PDF, in which all of it can be read again.
+    void drawPage(PagesCanvas &canvas, int page) const;
 
 private:
     struct Private;
