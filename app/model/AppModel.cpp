@@ -5,6 +5,7 @@
 #include "QSDirectory.h"
 #include "QSFile.h"
 #include "QSMutation.h"
+#include "QSPageLayout.h"
 #include "QSPrefs.h"
 #include "QSProfile.h"
 #include "QSStates.h"
@@ -356,10 +357,34 @@ std::optional<QSRendered> AppModel::renderOrTell(const QSDocument &document)
     return rendered;
 }
 
+bool AppModel::acceptsMissingLetters(const QSRendered &rendered, const QString &anyway)
+{
+    static constexpr qsizetype mostShown = 40;
+    QSPageLayout layout;
+    layout.update(rendered);
+    QStringList letters;
+    for (const char32_t letter : layout.missingCharacters().toStdU32String()) {
+        letters.append(QString::fromUcs4(&letter, 1));
+    }
+    if (letters.isEmpty()) {
+        return true;
+    }
+    if (letters.size() > mostShown) {
+        letters = letters.first(mostShown) << u"\u2026"_s;
+    }
+    return agrees(u"These letters can't be printed here: "_s + letters.join(u' '),
+                  u"No font on this computer has them. Their places would be empty or boxes."_s,
+                  anyway);
+}
+
 void AppModel::exportDocument(const QSDocument &document, QSExport::Format format)
 {
     const std::optional<QSRendered> rendered = renderOrTell(document);
     if (!rendered) {
+        return;
+    }
+    // Word processors have fonts of their own.
+    if (format == QSExport::Format::pdf && !acceptsMissingLetters(*rendered, u"Export Anyway"_s)) {
         return;
     }
     const QSExport::FormatInfo &info = QSExport::info(format);
@@ -421,7 +446,8 @@ void AppModel::saveFile(const QByteArray &data, const QString &suggestedName)
 
 void AppModel::print(const QSDocument &document)
 {
-    if (const std::optional<QSRendered> rendered = renderOrTell(document)) {
+    const std::optional<QSRendered> rendered = renderOrTell(document);
+    if (rendered && acceptsMissingLetters(*rendered, u"Print Anyway"_s)) {
         const QScopedValueRollback asking(m_asking, true);
         try {
             m_desktop.print(*rendered);

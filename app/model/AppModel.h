@@ -324,6 +324,8 @@ private:
     /// True when the copy is wanted as it is.
     [[nodiscard]] bool acceptsFaults(const std::shared_ptr<QSPDFDocument> &document,
                                      const QList<FormFault> &faults, const QString &anyway);
+    /// Asks when letters of the document can't be printed; true when it is wanted as it is.
+    [[nodiscard]] bool acceptsMissingLetters(const QSRendered &rendered, const QString &anyway);
     void copiesChanged();
     [[nodiscard]] std::optional<QMap<QString, QString>> savedProfile();
     /// Asks where to put a file and writes it whole or not at all.

@@ -340,6 +340,31 @@ private Q_SLOTS:
         QCOMPARE(m_model->message(), u"The template gone is not in this version of the app."_s);
     }
 
+    void lettersThatNoFontHasAreAskedAbout()
+    {
+        QSDocument document = savedReceipt(u"May rent"_s);
+        document.values[u"tenant_name"_s] = u"A\U00050000nn \ue000"_s;
+        m_desktop->answers = {0, 1, 0};
+        m_model->print(document);
+        QVERIFY(m_desktop->printed.isEmpty());
+        const QSDesktop::Question question = m_desktop->questions.first();
+        QCOMPARE(question.text, u"These letters can't be printed here: \U00050000 \ue000"_s);
+        QCOMPARE(question.buttons, (QStringList{u"Cancel"_s, u"Print Anyway"_s}));
+        QCOMPARE(question.cancel, 0);
+        m_model->print(document);
+        QCOMPARE(m_desktop->printed.size(), 1);
+
+        m_model->exportDocument(document, QSExport::Format::pdf); // cancelled
+        QVERIFY(!m_model->busy());
+        QCOMPARE(m_desktop->questions.last().buttons.last(), u"Export Anyway"_s);
+        OfficeConverter::setProgramOverride(m_user->path(u"no-such-program"_s));
+        QSignalSpy messages(m_model.get(), &AppModel::messageChanged);
+        QTest::ignoreMessage(QtWarningMsg, QRegularExpression(u"."_s));
+        m_model->exportDocument(document, QSExport::Format::docx); // its reader has fonts
+        QVERIFY(messages.wait(20000));
+        QCOMPARE(m_desktop->questions.size(), 3);
+    }
+
     void aHitLeadsToWhatItFound()
     {
         const QSDocument document = savedReceipt(u"May rent"_s);
