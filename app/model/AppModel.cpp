@@ -126,8 +126,21 @@ void AppModel::setSearch(const QString &text)
 
 void AppModel::setMessage(const std::optional<QString> &message)
 {
-    m_message = message;
+    const bool adds = m_starting && message && m_message;
+    if (!adds) {
+        m_message = message;
+    } else if (!m_message->contains(*message)) {
+        m_message = *m_message + u'\n' + *message;
+    }
     Q_EMIT messageChanged();
+}
+
+void AppModel::tellOfStart(const QString &problem)
+{
+    if (!store()) {
+        m_withoutStore = problem;
+    }
+    setMessage(problem);
 }
 
 void AppModel::setShowDisclaimer(bool shown)

@@ -73,6 +73,9 @@ public:
     void setSearch(const QString &text);
     [[nodiscard]] const std::optional<QString> &message() const { return m_message; }
     void setMessage(const std::optional<QString> &message);
+    /// Tells what went wrong when the program started. What startDrafts() has to say is added to
+    /// it, and it is told again when something is to be saved and no database is open.
+    void tellOfStart(const QString &problem);
     /// Text of the operation that was begun last of those that run; absent when none runs.
     [[nodiscard]] std::optional<QString> busy() const;
     /// How far that operation has got.
@@ -366,6 +369,9 @@ private:
     QString m_selectedTemplateID;
     QString m_search;
     std::optional<QString> m_message;
+    bool m_starting = false; ///< messages are added to the one that stands
+    QString m_withoutStore =
+        QStringLiteral("No documents database is open, so nothing can be saved.");
     bool m_showDisclaimer;
     bool m_asking = false;    ///< a question or panel of ours stands open
     bool m_exporting = false; ///< a file is being made
@@ -431,7 +437,7 @@ template <typename Action>
 bool AppModel::withStore(Action action)
 {
     if (!store()) {
-        setMessage(QStringLiteral("No documents database is open, so nothing can be saved."));
+        setMessage(m_withoutStore);
         return false;
     }
     try {

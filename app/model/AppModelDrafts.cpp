@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <utility>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -29,6 +30,7 @@ std::shared_ptr<QSPDFDocument> openDraft(const QList<FormValue> &values)
 
 void AppModel::startDrafts()
 {
+    const QScopedValueRollback starting(m_starting, true);
     offerProfileDraft();
     offerDocumentDraft();
     const auto form = draft(QSDrafts::Kind::form, u"What was typed into a form"_s, QSDrafts::form);
@@ -80,9 +82,15 @@ void AppModel::formDraftOpened(const FormDraft &draft,
                                const AsyncTask::Outcome<std::shared_ptr<QSPDFDocument>> &opened,
                                const std::stop_source &stop)
 {
-    if (!opened.result || !reopenForm(draft, *opened.result, stop)) {
+    const QScopedValueRollback starting(m_starting, true);
+    const std::optional<QString> standing = std::exchange(m_message, std::nullopt);
+    const bool reopened = opened.result && reopenForm(draft, *opened.result, stop);
+    const std::optional<QString> news = std::exchange(m_message, standing);
+    if (!reopened) {
         setAside(QSDrafts::Kind::form, u"What was typed into \"%1\""_s.arg(draft.title),
-                 opened.error ? opened.error->description() : m_message.value_or(QString()));
+                 opened.error ? opened.error->description() : news.value_or(QString()));
+    } else if (news) {
+        setMessage(news);
     }
     beginDrafting();
 }

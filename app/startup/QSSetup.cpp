@@ -120,6 +120,20 @@ QSSalvage::Result salvage(const QString &damaged, const QString &path)
     QSStore fresh(QUrl::fromLocalFile(path), QSStore::Indexing::later);
     return QSSalvage::copy(damaged, fresh.db());
 }
+
+/// Opens the database, or another one instead; empty, or what was wrong.
+QString openOrReplace()
+{
+    const QUrl url = QSInfo::databaseURL();
+    try {
+        open(url);
+        return {};
+    } catch (const QSError &error) {
+        return u"Your documents database could not be opened (%1). It was left untouched at %2. "_s
+                   .arg(error.description(), url.toLocalFile()) +
+               openStandIn(QFileInfo(url.toLocalFile()));
+    }
+}
 } // namespace
 
 namespace QSSetup {
@@ -144,18 +158,9 @@ void configure()
 
 std::optional<QString> openStore()
 {
-    const QUrl url = QSInfo::databaseURL();
-    QString problem;
-    try {
-        open(url);
-        const QString missing = missingContent();
-        return missing.isEmpty() ? std::nullopt : std::optional(missing);
-    } catch (const QSError &error) {
-        problem =
-            u"Your documents database could not be opened (%1). It was left untouched at %2."_s.arg(
-                error.description(), url.toLocalFile());
-    }
-    return problem + u' ' + openStandIn(QFileInfo(url.toLocalFile()));
+    QStringList said = {openOrReplace(), missingContent()};
+    said.removeAll({});
+    return said.isEmpty() ? std::nullopt : std::optional(said.join(u'\n'));
 }
 
 QString mendStore()

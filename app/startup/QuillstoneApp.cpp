@@ -83,7 +83,7 @@ bool QuillstoneApp::start()
     QObject::connect(&*m_instance, &QSSingleInstance::broughtForward, &*m_window,
                      &MainWindow::bringForward);
     if (problem) {
-        m_model->setMessage(problem);
+        m_model->tellOfStart(*problem);
     }
     // What takes a moment with thousands of documents nobody has to wait for before there is a
     // window.

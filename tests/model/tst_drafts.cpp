@@ -207,6 +207,32 @@ private Q_SLOTS:
         QCOMPARE(drafts(), QStringList());
     }
 
+    void whatWentWrongAtTheStartIsKeptAndAddedTo()
+    {
+        const QString problem = u"Your documents database could not be opened."_s;
+        m_model->setProfileValue(u"name"_s, u"Rosa"_s);
+        leaveAForm();
+        writeFile(QSDrafts::formPDF(), "broken");
+        m_model.reset();
+        QSStore::setShared(nullptr);
+        m_model = std::make_unique<AppModel>(*m_desktop);
+        m_model->tellOfStart(problem);
+        m_desktop->answers = {openAgain};
+        m_model->startDrafts();
+        QTRY_COMPARE(m_model->message()->count(u'\n'), 2);
+        const QStringList said = m_model->message()->split(u'\n');
+        QCOMPARE(said.at(0), problem);
+        QVERIFY(said.at(1).startsWith(u"What was typed on the My Profile screen "));
+        QVERIFY(said.at(2).startsWith(
+            u"What was typed into \"Vell Practice Form\" could not be opened again: "));
+        QVERIFY(!said.at(2).contains(problem));
+
+        m_model->setMessage(u"Stopped."_s); // of something that the person did
+        QCOMPARE(m_model->message(), u"Stopped."_s);
+        QVERIFY(!m_model->saveProfile());
+        QCOMPARE(m_model->message(), problem); // the cause
+    }
+
     void aDraftThatCannotBeKeptIsSaidOnce()
     {
         QVERIFY(QSInfo::draftsFolder().removeRecursively());
