@@ -13,8 +13,11 @@ public:
     }
     int ask(const Question &question) override { return question.cancel; }
     bool openInBrowser(const QUrl &) override { return false; }
-    void print(const QSRendered &) override {}
-    void printPDF(const QSPDFDocument &, const QString &) override {}
+    std::optional<QString> print(const QSRendered &) override { return std::nullopt; }
+    std::optional<QString> printPDF(const QSPDFDocument &, const QString &) override
+    {
+        return std::nullopt;
+    }
     bool showInFolder(const QString &) override { return false; }
     bool openFile(const QString &) override { return false; }
 };

@@ -121,7 +121,7 @@ bool QtDesktop::openInBrowser(const QUrl &url)
     return QDesktopServices::openUrl(url);
 }
 
-void QtDesktop::print(const QSRendered &rendered)
+std::optional<QString> QtDesktop::print(const QSRendered &rendered)
 {
     QPrinter printer(QPrinter::HighResolution);
     printer.setPageSize(QPageSize(QPageSize::Letter));
@@ -130,12 +130,14 @@ void QtDesktop::print(const QSRendered &rendered)
     printer.setCreator(QSInfo::appName);
     QPrintDialog dialog(&printer, window());
     dialog.setWindowTitle(u"Print \"%1\""_s.arg(VxText::asTitle(rendered.title)));
-    if (dialog.exec() == QDialog::Accepted) {
-        QSExport::print(rendered, printer);
+    if (dialog.exec() != QDialog::Accepted) {
+        return std::nullopt;
     }
+    QSExport::print(rendered, printer);
+    return printer.outputFileName();
 }
 
-void QtDesktop::printPDF(const QSPDFDocument &document, const QString &title)
+std::optional<QString> QtDesktop::printPDF(const QSPDFDocument &document, const QString &title)
 {
     QPrinter printer(QPrinter::HighResolution);
     printer.setPageSize(
@@ -146,11 +148,12 @@ void QtDesktop::printPDF(const QSPDFDocument &document, const QString &title)
     dialog.setWindowTitle(u"Print \"%1\""_s.arg(VxText::asTitle(title)));
     dialog.setMinMax(1, document.pageCount());
     if (dialog.exec() != QDialog::Accepted) {
-        return;
+        return std::nullopt;
     }
-    FormPrint::inBackground(
+    const bool printed = FormPrint::inBackground(
         [&](const FormPrint::Progress &progress) { FormPrint::print(document, printer, progress); },
         title, window());
+    return printed ? std::optional(printer.outputFileName()) : std::nullopt;
 }
 
 bool QtDesktop::showInFolder(const QString &path)

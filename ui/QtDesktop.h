@@ -17,8 +17,9 @@ public:
                                                         const QString &extension) override;
     [[nodiscard]] int ask(const Question &question) override;
     [[nodiscard]] bool openInBrowser(const QUrl &url) override;
-    void print(const QSRendered &rendered) override;
-    void printPDF(const QSPDFDocument &document, const QString &title) override;
+    [[nodiscard]] std::optional<QString> print(const QSRendered &rendered) override;
+    [[nodiscard]] std::optional<QString> printPDF(const QSPDFDocument &document,
+                                                  const QString &title) override;
     [[nodiscard]] bool showInFolder(const QString &path) override;
     [[nodiscard]] bool openFile(const QString &path) override;
 

@@ -342,8 +342,9 @@ bool AppModel::askToDelete(const QString &name)
 
 void AppModel::deleteDocument(const QSDocument &document)
 {
-    if (askToDelete(document.title) && document.id) {
-        withStore([&document](QSStore &open) { open.deleteDocument(*document.id); });
+    if (askToDelete(document.title) && document.id &&
+        withStore([&document](QSStore &open) { open.deleteDocument(*document.id); })) {
+        setMessage(u"\"%1\" was deleted."_s.arg(document.title));
     }
 }
 
@@ -463,10 +464,18 @@ void AppModel::print(const QSDocument &document)
     if (rendered && acceptsMissingLetters(*rendered, u"Print Anyway"_s)) {
         const QScopedValueRollback asking(m_asking, true);
         try {
-            m_desktop.print(*rendered);
+            tellOfPrinting(m_desktop.print(*rendered));
         } catch (const QSError &error) {
             setMessage(error.description());
         }
+    }
+}
+
+void AppModel::tellOfPrinting(const std::optional<QString> &where)
+{
+    if (where) {
+        setMessage(where->isEmpty() ? u"Sent to the printer."_s
+                                    : u"Saved "_s + QFileInfo(*where).fileName());
     }
 }
 

@@ -318,8 +318,11 @@ private:
     /// Opens a filled copy's file in the background; the message when that fails.
     void loadFilledPDF(const QSFilledPDF &record,
                        const std::function<void(const std::shared_ptr<QSPDFDocument> &)> &loaded);
-    void printPages(const QSPDFDocument &pages, const QString &title);
+    [[nodiscard]] std::optional<QString> printPages(const QSPDFDocument &pages,
+                                                    const QString &title);
     void printPDF(const std::shared_ptr<QSPDFDocument> &document, const QString &title);
+    /// Says where something was printed, unless that was cancelled.
+    void tellOfPrinting(const std::optional<QString> &where);
     /// Makes a form's flattened copy in the background and uses it; where answers are not whole on
     /// it, only if the user wants that all the same. anyway: the button that says so.
     void withFlatCopy(const std::shared_ptr<QSPDFDocument> &document, const QString &work,

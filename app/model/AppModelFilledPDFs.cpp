@@ -71,9 +71,12 @@ void AppModel::openSaved(const QSFilledPDF &record)
 
 void AppModel::deleteFilledPDF(const QSFilledPDF &record)
 {
-    if (askToDelete(record.title) &&
-        withStore([&record](QSStore &open) { open.deleteFilledPDF(record); }) && m_openPDF &&
-        m_openPDF->form().saved && m_openPDF->form().saved->id == record.id) {
+    if (!askToDelete(record.title) ||
+        !withStore([&record](QSStore &open) { open.deleteFilledPDF(record); })) {
+        return;
+    }
+    setMessage(u"\"%1\" was deleted."_s.arg(record.title));
+    if (m_openPDF && m_openPDF->form().saved && m_openPDF->form().saved->id == record.id) {
         m_openPDF->forgetSaved();
         Q_EMIT formChanged();
     }

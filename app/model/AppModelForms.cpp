@@ -216,7 +216,9 @@ void AppModel::openLink(const QString &url)
 {
     if (!QSDirectory::wellFormed(url)) { // another scheme would start a program of its own
         setMessage(u"This link is not a secure web page (https) and was not opened: %1"_s.arg(url));
-    } else if (!m_desktop.openInBrowser(QUrl(url))) {
+    } else if (m_desktop.openInBrowser(QUrl(url))) {
+        setMessage(u"Opened in your web browser."_s);
+    } else {
         setMessage(u"The web browser could not be opened. The page is %1"_s.arg(url));
     }
 }
@@ -477,10 +479,10 @@ void AppModel::printForm()
     }
 }
 
-void AppModel::printPages(const QSPDFDocument &pages, const QString &title)
+std::optional<QString> AppModel::printPages(const QSPDFDocument &pages, const QString &title)
 {
     const QScopedValueRollback asking(m_asking, true);
-    m_desktop.printPDF(pages, title);
+    return m_desktop.printPDF(pages, title);
 }
 
 void AppModel::printPDF(const std::shared_ptr<QSPDFDocument> &document, const QString &title)
@@ -488,7 +490,7 @@ void AppModel::printPDF(const std::shared_ptr<QSPDFDocument> &document, const QS
     using Pages = std::shared_ptr<QSPDFDocument>;
     const auto print = [this, title](const std::function<Pages()> &pages) {
         try {
-            printPages(*pages(), title);
+            tellOfPrinting(printPages(*pages(), title));
         } catch (const QSError &error) {
             setMessage(error.description());
         }

@@ -41,10 +41,12 @@ public:
     [[nodiscard]] virtual int ask(const Question &question) = 0;
     /// url: an https one. False when there is no browser to open it.
     [[nodiscard]] virtual bool openInBrowser(const QUrl &url) = 0;
-    /// Shows the print panel and prints unless it is cancelled. Throws QSError when printing fails.
-    virtual void print(const QSRendered &rendered) = 0;
+    /// Shows the print panel and prints. Where it went: the path of a file, empty for a printer,
+    /// absent when it was cancelled. Throws QSError when printing fails.
+    [[nodiscard]] virtual std::optional<QString> print(const QSRendered &rendered) = 0;
     /// The same for a PDF, its fields printed as they are shown.
-    virtual void printPDF(const QSPDFDocument &document, const QString &title) = 0;
+    [[nodiscard]] virtual std::optional<QString> printPDF(const QSPDFDocument &document,
+                                                          const QString &title) = 0;
     /// Shows a file in the file manager; false when there is none.
     [[nodiscard]] virtual bool showInFolder(const QString &path) = 0;
     /// Opens a file with the program that the desktop has for it; false when there is none.

@@ -230,8 +230,10 @@ private Q_SLOTS:
         QCOMPARE(m_model->documents()->size(), 1);
         QCOMPARE(m_desktop->questions.first().text, u"Delete \"May rent\""_s);
         QCOMPARE(m_desktop->questions.first().detail, u"This can't be undone."_s);
+        QVERIFY(!m_model->message());
         m_model->deleteDocument(document);
         QVERIFY(m_model->documents()->isEmpty());
+        QCOMPARE(m_model->message(), u"\"May rent\" was deleted."_s);
     }
 
     void anotherStoreIsHeardAndWhatItLacksIsSavedAnew()
@@ -334,6 +336,14 @@ private Q_SLOTS:
         QCOMPARE(m_desktop->printed.size(), 1);
         QCOMPARE(m_desktop->printed.first().title, u"May rent"_s);
         QVERIFY(m_desktop->printed.first().plainText().contains(u"Quang"_s));
+        QCOMPARE(m_model->message(), u"Sent to the printer."_s);
+        m_desktop->printedTo = u"/home/rosa/rent.pdf"_s;
+        m_model->print(savedReceipt(u"May rent"_s));
+        QCOMPARE(m_model->message(), u"Saved rent.pdf"_s);
+        m_model->setMessage(std::nullopt);
+        m_desktop->printedTo = std::nullopt; // cancelled
+        m_model->print(savedReceipt(u"May rent"_s));
+        QVERIFY(!m_model->message());
         QSDocument orphan = savedReceipt(u"Other"_s);
         orphan.templateID = u"gone"_s;
         m_model->print(orphan);

@@ -158,6 +158,7 @@ private Q_SLOTS:
         QVERIFY(page);
         m_model->open(*page);
         QCOMPARE(m_desktop->browsed, QList<QUrl>{QUrl(page->url)});
+        QCOMPARE(m_model->message(), u"Opened in your web browser."_s);
         QVERIFY(!m_model->busy());
         m_desktop->hasBrowser = false;
         m_model->openOfficialPage(w9());
@@ -257,7 +258,9 @@ private Q_SLOTS:
         type(u"full_name"_s, u"Rosa"_s);
         QVERIFY(m_model->saveForm());
         m_desktop->answers = {1}; // "Delete"
+        const QString title = m_model->filledPDFs()->constFirst().title;
         m_model->deleteFilledPDF(m_model->filledPDFs()->constFirst());
+        QCOMPARE(m_model->message(), u"\"%1\" was deleted."_s.arg(title));
         QVERIFY(m_model->filledPDFs()->isEmpty());
         QVERIFY(m_model->openPDF()->hasUnsavedChanges());
         QVERIFY(m_model->saveForm());
@@ -337,6 +340,7 @@ private Q_SLOTS:
         };
         m_model->printForm();
         QTRY_COMPARE(m_desktop->printedPDFs, QStringList{u"Vell Practice Form"_s});
+        QTRY_COMPARE(m_model->message(), u"Sent to the printer."_s);
         QTRY_COMPARE(m_model->openPDF()->form().title, u"W-9"_s);
     }
 

@@ -18,6 +18,7 @@ public:
     QList<std::optional<QString>> openPaths; ///< the same for open panels
     QList<int> answers;                      ///< buttons to press, first to last
 
+    std::optional<QString> printedTo = QString(); ///< what becomes of a print panel: a printer
     bool hasBrowser = true;
     bool hasPrograms = true; ///< a file manager, and a program for every file
     std::function<void()>
@@ -73,11 +74,16 @@ public:
         browsed.append(url);
         return hasBrowser;
     }
-    void print(const QSRendered &rendered) override { printed.append(rendered); }
-    void printPDF(const QSPDFDocument &, const QString &title) override
+    std::optional<QString> print(const QSRendered &rendered) override
+    {
+        printed.append(rendered);
+        return printedTo;
+    }
+    std::optional<QString> printPDF(const QSPDFDocument &, const QString &title) override
     {
         standOpen();
         printedPDFs.append(title);
+        return printedTo;
     }
     bool showInFolder(const QString &path) override
     {

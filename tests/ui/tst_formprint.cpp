@@ -190,11 +190,11 @@ private Q_SLOTS:
         QTimer heart;
         connect(&heart, &QTimer::timeout, this, [&beats] { ++beats; });
         heart.start(1ms);
-        FormPrint::inBackground(
+        QVERIFY(FormPrint::inBackground(
             [&](const FormPrint::Progress &progress) {
                 FormPrint::draw(*m_document, *printer, progress);
             },
-            u"Test form"_s, nullptr);
+            u"Test form"_s, nullptr));
         QVERIFY(beats > 3);
         QCOMPARE(QSPDFDocument::open(contents(printer->outputFileName()))->pageCount(), 3);
     }
@@ -209,17 +209,17 @@ private Q_SLOTS:
         });
         hand.start(10ms);
         int sheets = 0;
-        FormPrint::inBackground(
+        QVERIFY(!FormPrint::inBackground(
             [&sheets](const FormPrint::Progress &progress) {
                 while (progress(++sheets, 1'000'000)) {
                     QThread::yieldCurrentThread();
                 }
             },
-            u"Test form"_s, nullptr);
+            u"Test form"_s, nullptr));
         QVERIFY(sheets < 1'000'000);
         // what fails there is said here
         QCOMPARE(sentence([] {
-                     FormPrint::inBackground(
+                     (void)FormPrint::inBackground(
                          [](const auto &) { throw QSError::invalid(u"No paper."_s); },
                          u"Test form"_s, nullptr);
                  }),

@@ -158,7 +158,7 @@ void draw(const QSPDFDocument &document, QPrinter &printer, const Progress &prog
     }
 }
 
-void inBackground(const std::function<void(const Progress &)> &work, const QString &title,
+bool inBackground(const std::function<void(const Progress &)> &work, const QString &title,
                   QWidget *window)
 {
     static constexpr int soon = 300; // ms, after which a dialog does not only flash up
@@ -184,5 +184,6 @@ void inBackground(const std::function<void(const Progress &)> &work, const QStri
         work(progress);
         return true;
     });
+    return !stopped;
 }
 } // namespace FormPrint

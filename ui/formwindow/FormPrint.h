@@ -25,7 +25,8 @@ void print(const QSPDFDocument &document, QPrinter &printer, const Progress &pro
 /// does.
 void draw(const QSPDFDocument &document, QPrinter &printer, const Progress &progress = {});
 /// Does either on a thread of its own, while the program's windows answer and a dialog over this
-/// one tells how it gets on and offers to stop. Main thread; returns when it is done.
-void inBackground(const std::function<void(const Progress &)> &work, const QString &title,
-                  QWidget *window);
+/// one tells how it gets on and offers to stop. Main thread; returns when it is done, false when it
+/// was stopped.
+[[nodiscard]] bool inBackground(const std::function<void(const Progress &)> &work,
+                                const QString &title, QWidget *window);
 } // namespace FormPrint
