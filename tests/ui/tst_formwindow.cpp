@@ -1,5 +1,6 @@
 #include "../pdf/SmallPDF.h"
 #include "FormWindowFixture.h"
+#include "QSDirectory.h"
 #include "TestFiles.h"
 #include "VxMessageBar.h"
 
@@ -18,6 +19,8 @@
 using namespace Qt::Literals::StringLiterals;
 
 namespace {
+const QString official = u"Official form \u2014 not legal advice"_s;
+
 const QHash<QChar, Qt::Key> keysOfSigns = {
     {u'\n', Qt::Key_Return}, {u'\u2190', Qt::Key_Left}, {u'\u2193', Qt::Key_Down}};
 
@@ -382,17 +385,28 @@ private Q_SLOTS:
         QTest::keyClicks(focused(), u"Rosa"_s);
         QVERIFY(texts().contains(u"This form has fill-in fields: click a field and type. Save "
                                  "Filled Copy keeps it in My Documents."_s));
-        QVERIFY(texts().contains(u"Official form \u2014 not legal advice"_s));
+        QVERIFY(!texts().contains(official)); // this one is the program's own
         button(u"Save Filled Copy"_s)->click();
         QVERIFY(!m_window->isWindowModified());
         QVERIFY(texts().contains(*m_model->message()));
         QVERIFY(m_model->message()->startsWith(u"Saved to My Documents as"_s));
         press(Qt::Key_S, Qt::ControlModifier);
         QVERIFY(button(u"Save Changes"_s));
+        QVERIFY(texts().contains(u"This form has fill-in fields: click a field and type. Save "
+                                 "Changes keeps it in My Documents."_s));
         QCOMPARE(m_model->filledPDFs()->size(), 1);
         undo(); // is still there after saving
         QCOMPARE(document().value(0).text, QString());
         discard();
+    }
+
+    void anOfficialFormSaysThatItIsOne()
+    {
+        const QSEntry &entry = QSDirectory::shared().entries.constFirst();
+        m_model->openSaved(QSStore::shared()->saveFilledPDF(entry.id, u"Petition"_s, everyKind()));
+        QTRY_VERIFY(m_model->openPDF());
+        QVERIFY(texts().contains(official));
+        m_model->closeForm();
     }
 
     void closingAsks_data()

@@ -149,10 +149,10 @@ QWidget *FormWindow::createFooter()
     row->setContentsMargins({});
     m_status = VxText::make({}, VxText::Role::note, footer);
     row->addWidget(m_status, 1);
-    QLabel *caption =
+    m_official =
         VxText::make(u"Official form \u2014 not legal advice"_s, VxText::Role::note, footer);
-    caption->setWordWrap(false);
-    row->addWidget(caption);
+    m_official->setWordWrap(false);
+    row->addWidget(m_official);
     return footer;
 }
 
@@ -214,11 +214,7 @@ void FormWindow::openForm()
         hide();
         return;
     }
-    m_notice->setText(
-        QSPDF::isFillable(*document)
-            ? u"This form has fill-in fields: click a field and type. Save Filled Copy keeps it in "
-              "My Documents."_s
-            : u"This PDF has no fill-in fields. Print it and fill it in by hand."_s);
+    m_fillable = QSPDF::isFillable(*document);
     showState();
     showMessage();
     showWork();
@@ -233,9 +229,15 @@ void FormWindow::showState()
         return;
     }
     const QString save = session->form().saved ? u"Save Changes"_s : u"Save Filled Copy"_s;
+    m_notice->setText(
+        m_fillable
+            ? u"This form has fill-in fields: click a field and type. %1 keeps it in My Documents."_s
+                  .arg(save)
+            : u"This PDF has no fill-in fields. Print it and fill it in by hand."_s);
     m_save->setText(save);
     m_commands->setSaveText(save);
     m_officialPage->setEnabled(session->form().entry.has_value());
+    m_official->setVisible(session->form().entry.has_value());
     m_status->setText(session->form().status);
     setWindowTitle(VxText::asTitle(session->form().title) + u"[*]"_s);
     setWindowModified(session->hasUnsavedChanges());

@@ -57,6 +57,8 @@ private:
     QLabel *m_zoom = nullptr;
     QLabel *m_notice = nullptr;
     QLabel *m_status = nullptr;
+    QLabel *m_official = nullptr;
     VxMessageBar *m_message = nullptr;
+    bool m_fillable = false;
     bool m_narrow = false; ///< the list of pages gives way
 };
