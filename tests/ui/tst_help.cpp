@@ -1,4 +1,5 @@
 #include "QSDirectory.h"
+#include "QSDisclaimer.h"
 #include "QSTemplates.h"
 #include "ScratchUser.h"
 #include "VellHelpViewer.h"
@@ -98,6 +99,8 @@ private Q_SLOTS:
                  "template-list editor poa profile documents export search last-checked states "
                  "federal fees legal-aid backup look privacy practice troubleshooting shortcuts "
                  "sources"_s);
+        QVERIFY(topics.at(0).body.contains(QSInfo::shortDisclaimer));
+        QVERIFY(topics.at(1).body.startsWith(QSDisclaimer::full));
         QVERIFY(QSDirectory::shared().states().size() == 6 && !QSTemplates::all().isEmpty());
         for (const QSTemplate &each : QSTemplates::all()) {
             QVERIFY(topics.at(9).body.contains(u"## "_s + each.title));

@@ -1,6 +1,7 @@
 #include "QSHelp.h"
 
 #include "QSDirectory.h"
+#include "QSDisclaimer.h"
 #include "QSInfo.h"
 #include "QSMutation.h"
 #include "QSTemplates.h"
@@ -96,7 +97,7 @@ QString unreadable(const QString &cause)
         .arg(cause, QSInfo::appName);
 }
 
-/// The text of a topic's file.
+/// The text of a topic's file, with the disclaimers in their own words where it names them.
 QString fileText(QStringView id)
 {
     const std::optional<QDir> resources = QSInfo::resourceFolder();
@@ -116,7 +117,8 @@ QString fileText(QStringView id)
     if (utf8.hasError() || bytes.size() > maxFileSize || text.isEmpty()) {
         return unreadable(u"its file is damaged"_s);
     }
-    return text;
+    return text.replace(u"{disclaimer}"_s, QSDisclaimer::full)
+        .replace(u"{short disclaimer}"_s, QSInfo::shortDisclaimer);
 }
 
 QString fieldLabels(const QSTemplate &source)
