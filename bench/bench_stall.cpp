@@ -50,19 +50,19 @@ public:
     }
     int ask(const Question &) override { return 1; }
     bool openInBrowser(const QUrl &) override { return false; }
-    void print(const QSRendered &) override {}
-    void printPDF(const QSPDFDocument &document, const QString &title) override
+    std::optional<QString> print(const QSRendered &) override { return std::nullopt; }
+    std::optional<QString> printPDF(const QSPDFDocument &document, const QString &title) override
     {
         QPrinter printer(QPrinter::HighResolution);
         printer.setOutputFormat(QPrinter::PdfFormat);
         printer.setOutputFileName(m_folder.filePath(u"printed.pdf"_s));
         printer.setResolution(600);
-        FormPrint::inBackground(
+        printed = FormPrint::inBackground(
             [&](const FormPrint::Progress &progress) {
                 FormPrint::draw(document, printer, progress);
             },
             title, nullptr);
-        printed = true;
+        return printer.outputFileName();
     }
     bool showInFolder(const QString &) override { return false; }
     bool openFile(const QString &) override { return false; }

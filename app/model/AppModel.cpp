@@ -140,6 +140,7 @@ void AppModel::tellOfStart(const QString &problem)
     if (!store()) {
         m_withoutStore = problem;
     }
+    const QScopedValueRollback starting(m_starting, true);
     setMessage(problem);
 }
 

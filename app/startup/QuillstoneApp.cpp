@@ -116,7 +116,7 @@ void QuillstoneApp::checkStore()
                 qWarning("The documents database is damaged: %s", qUtf8Printable(*problem));
                 const QString told = QSSetup::mendStore();
                 m_model->storeReplaced();
-                m_model->setMessage(told);
+                m_model->tellOfStart(told);
             }
             if (QSStore *store = QSStore::shared()) {
                 store->fillSearchIndex();
