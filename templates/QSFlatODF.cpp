@@ -1,6 +1,7 @@
 #include "QSFlatODF.h"
 
 #include "QSBlockStyle.h"
+#include "QSDirections.h"
 #include "QSInfo.h"
 #include "QSMutation.h"
 #include "QSPageLayout.h"
@@ -243,7 +244,7 @@ void Writer::block(const QSBlock &block)
 {
     const QString text = blockFlow(block);
     QString style = styleId(blockStyle(block.kind));
-    if (text.isRightToLeft()) {
+    if (QSDirections::beginsOnTheRight(text)) {
         style += rightToLeft;
     }
     if (block.kind == QSBlock::Kind::heading) {
@@ -251,7 +252,7 @@ void Writer::block(const QSBlock &block)
     } else {
         start("text:p", {{"text:style-name", style}});
     }
-    flow(text);
+    flow(QSDirections::withMarks(text));
     end();
 }
 

@@ -1,5 +1,6 @@
 #include "QSLetters.h"
 
+#include "QSDirections.h"
 #include "TextCanvas.h"
 
 #include <QGlyphRun>
@@ -111,7 +112,8 @@ std::vector<Cluster> clustersOf(const QTextLine &line, const QString &text)
                      (isPartOfMore(runs) || endsInMark(runs) ||
                       leansOnTheOneBefore(runsOf(end, ends.position())));
         }
-        const QString letters = text.sliced(from, end - from);
+        QString letters = text.sliced(from, end - from);
+        letters.removeIf(QSDirections::isControl);
         const bool leavesInk = std::ranges::any_of(letters.toStdU32String(), isPrinted);
         if (!runs.isEmpty() && (leavesInk || letters == u' ')) {
             clusters.push_back({letters, runs, leftOf(runs)});

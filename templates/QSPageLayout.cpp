@@ -1,6 +1,7 @@
 #include "QSPageLayout.h"
 
 #include "QSBlockStyle.h"
+#include "QSDirections.h"
 #include "QSLetters.h"
 #include "TextCanvas.h"
 
@@ -81,7 +82,7 @@ QFont serif(qreal size, bool bold, bool italic)
 QTextOption createOption(const QSBlockStyle &style)
 {
     QTextOption option(style.centred ? Qt::AlignHCenter : Qt::AlignLeft);
-    option.setTextDirection(Qt::LayoutDirectionAuto);
+    option.setTextDirection(Qt::LeftToRight);
     option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
     option.setUseDesignMetrics(true);
     // QTextLayout takes tabs in units of the default resolution, which a plain image has.
@@ -133,6 +134,7 @@ struct Setter
           rightToLeftOption(option),
           metrics(font)
     {
+        rightToLeftOption.setTextDirection(Qt::RightToLeft);
         if (!style.centred) {
             rightToLeftOption.setAlignment(Qt::AlignRight);
         }
@@ -157,7 +159,7 @@ struct Setter
         QTextLayout &text = block->text;
         text.setCacheEnabled(true); // a page is drawn far more often than its blocks are set
         text.setFont(font);
-        text.setTextOption(flow.isRightToLeft() ? rightToLeftOption : option);
+        text.setTextOption(QSDirections::beginsOnTheRight(flow) ? rightToLeftOption : option);
         text.setText(flow);
         text.beginLayout();
         for (QTextLine line = text.createLine(); line.isValid(); line = text.createLine()) {

@@ -1,6 +1,7 @@
 #include "QSTemplate.h"
 
 #include "QSDate.h"
+#include "QSDirections.h"
 #include "QSInfo.h"
 #include "QSMoney.h"
 #include "QSMutation.h"
@@ -47,8 +48,8 @@ FilledBody fill(const QSTemplate &form, const QSValues &values)
         const QStringView own = QStringView(form.body).sliced(end, match.capturedStart() - end);
         const QString key = match.captured(1);
         const QSField *field = form.field(key);
-        const QString shown =
-            QSTemplate::display(field ? field->kind : QSFieldKind::text, values.value(key));
+        const QString shown = QSDirections::isolated(
+            QSTemplate::display(field ? field->kind : QSFieldKind::text, values.value(key)));
         filled.text.append(own).append(shown);
         const bool showsMarks = shown == blank || QSMutation::on(u"typed-marks");
         filled.stencil.append(own).append(showsMarks ? shown : QString(shown.size(), u'x'));
@@ -189,7 +190,7 @@ QSRendered QSTemplate::render(const QSValues &values) const
     QSRendered rendered{title, blocksOf(fill(*this, values))};
     const auto heading = std::ranges::find(rendered.blocks, QSBlock::Kind::title, &QSBlock::kind);
     if (heading != rendered.blocks.end()) {
-        rendered.title = heading->text().simplified();
+        rendered.title = heading->text().simplified().removeIf(QSDirections::isIsolate);
     }
     rendered.blocks.append({QSBlock::Kind::note, {footer()}});
     return rendered;

@@ -1,5 +1,6 @@
 #include "QSError.h"
 #include "QSExport.h"
+#include "QSFlatODF.h"
 #include "QSInfo.h"
 #include "QSPageLayout.h"
 #include "SecondReader.h"
@@ -119,6 +120,7 @@ private Q_SLOTS:
     void pagesAreNumbered();
     void blocksStandWhereTheyShould();
     void lettersWithoutAFontDoNoHarm();
+    void isolatesStayOutOfFiles();
     void pdfOnAnotherThread();
     void printFitsThePaper_data();
     void printFitsThePaper();
@@ -327,6 +329,21 @@ void TestExport::lettersWithoutAFontDoNoHarm()
     for (const char *word : {"before", "after", "half", "bell", "nul", "end"}) {
         QVERIFY2(found.contains(QString::fromLatin1(word)), word);
     }
+}
+
+void TestExport::isolatesStayOutOfFiles()
+{
+    QS_NEEDS("pdftotext");
+    static const QRegularExpression isolates(QStringLiteral("[\\x{2066}-\\x{2069}]"));
+    const QString text = QString::fromUtf8("To \u2068राजेश כהן\u2069, 5. \u2068AB\u2069");
+    const QSRendered rendered{{}, {{Kind::paragraph, {text}}}};
+    const QString pdf = pdfText(QSExport::pdf(rendered));
+    QVERIFY2(!pdf.contains(isolates) && pdf.contains(QString::fromUtf8("राजेश")) &&
+                 pdf.contains(QStringLiteral("AB")),
+             qPrintable(pdf));
+    const QString word = QString::fromUtf8(QSFlatODF::write(rendered));
+    QVERIFY(!word.contains(isolates));
+    QVERIFY(word.contains(QString::fromUtf8("To \u200eराजेश כהן\u200e, 5. \u200eAB\u200e")));
 }
 
 void TestExport::pdfOnAnotherThread()

@@ -52,6 +52,7 @@ private Q_SLOTS:
     void missingWhereNoFontIsInstalled();
     void updateDrawsWhatAFreshLayoutDraws();
     void rightToLeftTextStartsAtTheRight();
+    void isolatedTextTurnsNothingElse();
     void colours();
     void breaksAreTheSameAtEveryZoom();
 };
@@ -259,6 +260,30 @@ void TestPageLayout::rightToLeftTextStartsAtTheRight()
     blank.fill(Qt::white);
     QCOMPARE(left, blank);
     QVERIFY(image.copy(500, 0, 112, 700) != blank.copy(0, 0, 112, 700));
+}
+
+void TestPageLayout::isolatedTextTurnsNothingElse()
+{
+    QSPageLayout layout;
+    const auto pageOf = [&layout](const char *text) {
+        layout.update({{}, {{Kind::paragraph, {QString::fromUtf8(text)}}}});
+        return picture(layout, 0);
+    };
+    const QImage plain = pageOf("Buyer: \u2068\u202aBob\u202c\u2069, 5.\nSeller: Bob (12 May)");
+    QCOMPARE(pageOf("\u2068 \u2069"), pageOf("")); // no boxes
+    const QImage turned = pageOf("Buyer: \u2068\u202eBob\u202c\u2069, 5.\nSeller: Bob (12 May)");
+    constexpr int secondLine = 72 + 15;
+    QVERIFY(turned.copy(0, 0, 612, secondLine) != plain.copy(0, 0, 612, secondLine));
+    QCOMPARE(turned.copy(0, secondLine, 612, 700), plain.copy(0, secondLine, 612, 700));
+    QCOMPARE(layout.missingCharacters(), QString());
+
+    // alone it decides where the line begins, beside other words it doesn't
+    const QImage empty = pageOf("");
+    const QRect left(0, 0, 306, 700);
+    const QRect right(306, 0, 306, 700);
+    QVERIFY(pageOf("\u2068דוד כהן\u2069").copy(right) != empty.copy(right));
+    QCOMPARE(pageOf("\u2068דוד כהן\u2069").copy(left), empty.copy(left));
+    QCOMPARE(pageOf("\u2068דוד\u2069 and Ann").copy(right), empty.copy(right));
 }
 
 void TestPageLayout::colours()

@@ -46,6 +46,8 @@ private Q_SLOTS:
     void blocks();
     void typedTextIsNoMark_data();
     void typedTextIsNoMark();
+    void typedDirectionsEndWithTheValue_data();
+    void typedDirectionsEndWithTheValue();
     void substitution_data();
     void substitution();
     void titleNoteAndPlainText();
@@ -123,6 +125,33 @@ void TestRendering::typedTextIsNoMark()
     QFETCH(QString, body);
     QFETCH(QString, typed);
     QTEST(picture(form(body).render({{u"a"_s, typed}})), "expected");
+}
+
+void TestRendering::typedDirectionsEndWithTheValue_data()
+{
+    QTest::addColumn<QString>("typed");
+    QTest::addColumn<QString>("expected");
+    const auto row = [](const char *name, const QString &typed, const QString &inside) {
+        QTest::newRow(name) << typed << u"p:To \u2068"_s + inside + u"\u2069, 5."_s;
+    };
+    QTest::newRow("none") << u"José Ñ 宋 5"_s << u"p:To José Ñ 宋 5, 5."_s;
+    row("a name in Hebrew", u"דוד"_s, u"דוד"_s);
+    row("an override", u"a\u202eb"_s, u"a\u202eb\u202c"_s);
+    row("an override that is closed", u"a\u202eb\u202cc"_s, u"a\u202eb\u202cc"_s);
+    row("an isolate", u"\u2066a"_s, u"\u2066a\u2069"_s);
+    row("ends without a beginning", u"a\u2069\u202cb\u200f"_s, u"ab\u200f"_s);
+    row("an override in an isolate", u"\u2067\u202da\u2069b"_s, u"\u2067\u202da\u202c\u2069b"_s);
+    row("one in the other", u"\u202ba\u2067b"_s, u"\u202ba\u2067b\u2069\u202c"_s);
+}
+
+void TestRendering::typedDirectionsEndWithTheValue()
+{
+    QFETCH(QString, typed);
+    QFETCH(QString, expected);
+    const QSTemplate made = form(u"# T {{a}}\nTo {{a}}, 5."_s);
+    const QSRendered rendered = made.render({{u"a"_s, typed}});
+    QCOMPARE(picture(rendered).last(), expected);
+    QVERIFY(!rendered.title.contains(u'\u2068') && !rendered.title.contains(u'\u2069'));
 }
 
 void TestRendering::substitution_data()
