@@ -62,9 +62,9 @@ public:
     /// Sets a widget's value, and with it those of the widgets that have to follow: the other
     /// buttons of a radio group, check boxes and texts that share its name, which are one answer:
     /// they hold the same whatever limits they have. Returns the ids of all widgets that may look
-    /// different now, this one first. A text longer than the field's limit is cut and a tab becomes
-    /// a space; does nothing to push buttons and signatures. Works on read-only widgets too: asking
-    /// isSettable() is the caller's part.
+    /// different now, this one first. A text longer than the field's limit, or than any that is
+    /// opened again, is cut and a tab becomes a space; does nothing to push buttons and signatures.
+    /// Works on read-only widgets too: asking isSettable() is the caller's part.
     QList<int> setValue(int id, const FormValue &value);
 
     /// Draws a page with what is typed into it, on white, at so many dots per inch. clip: only that

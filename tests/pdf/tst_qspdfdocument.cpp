@@ -4,6 +4,7 @@
 #include "TestFiles.h"
 
 #include <QDir>
+#include <QElapsedTimer>
 #include <QThread>
 
 #include <atomic>
@@ -485,11 +486,14 @@ void TestQSPDFDocument::waitsForNoDrawing()
     }));
     thread->start();
     QTRY_VERIFY(begun);
+    QElapsedTimer time;
+    time.start();
     document->setValue(0, {.text = u"now"_s, .on = false, .chosen = {}});
     QCOMPARE(document->values().constFirst().text, u"now"_s);
     QVERIFY(!document->fault(0));
-    QVERIFY(thread->isRunning());
+    const qint64 waited = time.nsecsElapsed();
     QVERIFY(thread->wait());
+    QVERIFY(waited < time.nsecsElapsed() / 2);
     QCOMPARE(drawing.outcome, Outcome::madeWay);
     QVERIFY(ink(document->render(0, 20).image) > 0);
 }
