@@ -27,16 +27,18 @@ struct Listing
     bool isStale;
 };
 
-bool isRefusal(const QSEntry &entry, const std::optional<QSLinkCheck> &check)
+/// Beside such a status a note is the checker's word that this is a site for browsers. The entry
+/// can't tell: another one may have its page with the mark, and the page is checked once.
+bool isRefusal(const std::optional<QSLinkCheck> &check)
 {
-    return check && !check->ok && QSLinkChecker::isRefusal(entry.browserOnly, check->status);
+    return check && !check->ok && QSLinkChecker::isRefusal(!check->note.isEmpty(), check->status);
 }
 
 /// Whether a stored check says more than the listing: a problem does, an old success does not, and
 /// a site that turned the program away said nothing of its page.
-bool counts(const QSEntry &entry, const std::optional<QSLinkCheck> &check, const QDateTime &now)
+bool counts(const std::optional<QSLinkCheck> &check, const QDateTime &now)
 {
-    return check && !isRefusal(entry, check) &&
+    return check && !isRefusal(check) &&
            (!check->ok || QSDate::days(check->checked, now) <= QSInfo::staleAfterDays);
 }
 
@@ -64,7 +66,7 @@ QSStatus::S QSStatus::link(const QSEntry &entry, const std::optional<QSLinkCheck
                 "automated checks; opening the form checks it."_s.arg(listing.text, limit),
                 staleSymbol};
     }
-    if (counts(entry, lastCheck, now)) {
+    if (counts(lastCheck, now)) {
         const QString day = QSDate::longFormat(dayOf(*lastCheck));
         if (!lastCheck->ok && !QSMutation::on(u"forget-broken-link")) {
             const QString answer =
@@ -76,7 +78,7 @@ QSStatus::S QSStatus::link(const QSEntry &entry, const std::optional<QSLinkCheck
         }
         return {0, u"Link checked online %1"_s.arg(day), u"checkmark.seal.fill"_s};
     }
-    const bool isRefused = isRefusal(entry, lastCheck);
+    const bool isRefused = isRefusal(lastCheck);
     const QString refusal =
         u"This official site blocks automated checks; it opens normally in a web browser."_s;
     if (!listing.isStale) {
@@ -97,6 +99,6 @@ QSStatus::Checked QSStatus::lastChecked(const QSEntry &entry,
     if (QSNet::isHandChecked(entry.url)) {
         return {Source::byHand, listed};
     }
-    return counts(entry, lastCheck, now) ? Checked{Source::online, dayOf(*lastCheck)}
-                                         : Checked{Source::listed, listed};
+    return counts(lastCheck, now) ? Checked{Source::online, dayOf(*lastCheck)}
+                                  : Checked{Source::listed, listed};
 }

@@ -68,7 +68,8 @@ private Q_SLOTS:
         QSStore::shared()->recordLinkCheck({page, now, 0, false, {}, {}, u"no answer"_s});
         for (const QSDirectory::Link &link : QSDirectory::shared().allLinks()) {
             if (link.skip) { // such a site turns programs away, which is no problem
-                QSStore::shared()->recordLinkCheck({link.url, now, 403, false, {}, {}, {}});
+                QSStore::shared()->recordLinkCheck(
+                    {link.url, now, 403, false, {}, {}, u"blocked"_s});
             }
         }
         QSStore::shared()->touch();

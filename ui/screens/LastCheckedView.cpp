@@ -59,7 +59,6 @@ QList<QSEntry> readLinks()
             QSEntry page;
             page.title = link.label;
             page.url = link.url;
-            page.browserOnly = link.skip;
             found.append(page);
         }
     }
