@@ -209,7 +209,7 @@ int main(int argc, char *argv[])
     measureBomb("20,000 boxes of one name", ofOneName(20'000));
     measureBomb("30,000 fields in one another", chain(30'000));
     measureBomb("a value of 100 KB", longValue(100'000));
-    measureBomb("10,000 boxes of one name", ofOneName(10'000));
+    measureBomb("2,000 boxes of one name", ofOneName(2'000));
     measureBomb("60 fields in one another", chain(60));
     if (!QFile::exists(RealForms::i912())) {
         std::fprintf(stderr, "The real forms are not at hand in %s.\n",

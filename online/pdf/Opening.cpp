@@ -30,6 +30,10 @@ void Opening::countWidget()
     if (++m_widgets > mostWidgets) {
         refuse(u"This form has more than %1 fields, so it can't be opened here."_s, mostWidgets);
     }
+    if (++m_onPage > mostWidgetsOnPage) {
+        refuse(u"This form has more than %1 fields on one page, so it can't be opened here."_s,
+               mostWidgetsOnPage);
+    }
 }
 
 void Opening::countLetters(qsizetype letters)

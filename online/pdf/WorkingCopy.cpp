@@ -172,6 +172,7 @@ void Maker::prepareForm(QPDFObjectHandle root)
 
 void Maker::addPage(QPDFObjectHandle page)
 {
+    m_opening.beginPage();
     QPDFObjectHandle tabs = page.getKey("/Tabs");
     m_copy.tabs.append(tabs.isName() ? QByteArray::fromStdString(tabs.getName()) : QByteArray());
     QPDFObjectHandle annotations = page.getKey("/Annots");

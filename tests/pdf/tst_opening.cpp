@@ -69,13 +69,13 @@ private Q_SLOTS:
         QTest::addColumn<QByteArray>("pdf");
         QTest::addColumn<QString>("refusal");
         const QString fields =
-            u"This form has more than 10,000 fields, so it can't be opened here."_s;
+            u"This form has more than 2,000 fields on one page, so it can't be opened here."_s;
         const QString text =
             u"A field of this form holds more than 100,000 characters, so it can't be opened here."_s;
         const QString all =
             u"This form's fields hold more than 10,000,000 characters, so it can't be opened here."_s;
         const QByteArray letters(100'001, 'a');
-        QTest::newRow("boxes of one name") << ofOneName(10'001, "/FT/Tx") << fields;
+        QTest::newRow("boxes of one name") << ofOneName(2'001, "/FT/Tx") << fields;
         QTest::newRow("fields in one another")
             << chain(30'000, place(0))
             << u"This form's fields lie more than 64 deep in one another, so it can't be opened here."_s;
