@@ -76,8 +76,9 @@ struct QSTemplate
     ///
     /// Only the template's own text decides where a block or a cell begins and of which kind it is.
     /// Nor does a typed name in Arabic or Hebrew, or a control of direction, turn what follows it:
-    /// such a value is isolated. What was typed always prints whole, where its placeholder stands: a typed "#" or "|" is no
-    /// mark, and typed lines, empty ones included, stay lines of that one block (so a cell may hold
+    /// such a value is isolated. What was typed always prints whole, where its placeholder stands:
+    /// a typed "#" or "|" is no mark, and typed lines, empty ones included, stay lines of that one
+    /// block (so a cell may hold
     /// "\n" too). The underscores of an empty value count as the template's own: at the start of a
     /// line they make it a signature line.
     [[nodiscard]] QSRendered render(const QSValues &values) const;
