@@ -83,6 +83,8 @@ private Q_SLOTS:
     {
         const DocumentsFolder documents;
         QSEntry word = w9();
+        word.id = u"us-word"_s;
+        word.url = u"https://www.irs.gov/word.docx"_s;
         word.kind = QSKind::document;
         const QString folder = documents.path() + u"/Vell Quillstone/"_s;
         const QString name = QSExport::safeFileName(word.displayTitle());
