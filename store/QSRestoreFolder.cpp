@@ -57,6 +57,13 @@ QList<Move> notedMoves(SQLiteDB &db)
             return QFileInfo(row.string(column)).fileName();
         };
         const QDir folder(filled.filePath(name(u"folder"_s)));
+        if (name(u"file"_s).isEmpty()) { // versions before this one noted no more than the folder
+            for (const QString &file :
+                 folder.entryList(QDir::Files | QDir::Hidden | QDir::System)) {
+                moves.append({folder.filePath(file), filled.filePath(file), true});
+            }
+            continue;
+        }
         moves.append({folder.filePath(name(u"file"_s)), filled.filePath(name(u"target"_s)),
                       row.boolValue(u"replaces"_s)});
     }
@@ -129,6 +136,7 @@ QHash<QString, QString> QSRestoreFolder::noteIn(SQLiteDB &db) const
     if (m_files.isEmpty()) {
         return {};
     }
+    db.run(u"DROP TABLE IF EXISTS pending_restore"_s); // an empty one
     db.run(u"CREATE TABLE pending_restore (folder TEXT NOT NULL, file TEXT NOT NULL, "
            "target TEXT NOT NULL, replaces INTEGER NOT NULL)"_s);
     const QDir filled = QSInfo::filledFolder();

@@ -121,7 +121,7 @@ void copyPendingRestore(SQLiteDB &db)
 {
     if (db.scalarInt(u"SELECT count(*) FROM damaged.sqlite_master "
                      "WHERE name = 'pending_restore'"_s) > 0) {
-        db.exec(u"CREATE TABLE pending_restore AS SELECT folder FROM damaged.pending_restore"_s);
+        db.exec(u"CREATE TABLE pending_restore AS SELECT * FROM damaged.pending_restore"_s);
     }
 }
 } // namespace

@@ -1,6 +1,7 @@
 #include "BackupFixture.h"
 #include "BackupJSON.h"
 #include "QSRestoreFolder.h"
+#include "QSSalvage.h"
 #include "SmallDisk.h"
 
 #include <QCoreApplication>
@@ -78,6 +79,8 @@ private Q_SLOTS:
     void finishesWhatWasCommitted();
     void aNameTakenAfterTheCommitIsLeft();
     void aNoteThatCannotBeReadIsNotNone();
+    void aNoteComesAlongWhereverItIsFrom_data();
+    void aNoteComesAlongWhereverItIsFrom();
     void isWholeWhenKilled();
 
 private:
@@ -283,6 +286,36 @@ void TestBackupFaults::aNoteThatCannotBeReadIsNotNone()
     // Without a failure, all that lies ready would be cleared away next.
     QCOMPARE(sentence([&db] { QSRestoreFolder::finish(db); }),
              u"The database reported a problem: database is locked"_s);
+}
+
+void TestBackupFaults::aNoteComesAlongWhereverItIsFrom_data()
+{
+    QTest::addColumn<bool>("older");
+    QTest::newRow("this version's") << false;
+    QTest::newRow("one that names the folder alone") << true;
+}
+
+void TestBackupFaults::aNoteComesAlongWhereverItIsFrom()
+{
+    QFETCH(const bool, older);
+    QString folder;
+    {
+        QSRestoreFolder ready(ScratchUser::database());
+        ready.add(u"ready.pdf"_s, "%PDF ready");
+        (void)ready.noteIn(m_user->store().db());
+        ready.keep();
+        folder = foldersAmongFilled().value(0);
+    }
+    if (older) {
+        m_user->store().db().exec(u"DROP TABLE pending_restore; CREATE TABLE pending_restore "
+                                  "(folder TEXT NOT NULL)"_s);
+        m_user->store().db().run(u"INSERT INTO pending_restore (folder) VALUES (?)"_s, {folder});
+    }
+    QSStore salvaged(QUrl::fromLocalFile(m_user->path(u"salvaged.sqlite"_s)));
+    (void)QSSalvage::copy(ScratchUser::database(), salvaged.db());
+    QSRestoreFolder::finish(salvaged.db());
+    QCOMPARE(contents(filledPath(u"ready.pdf"_s)), "%PDF ready");
+    QCOMPARE(foldersAmongFilled(), QStringList());
 }
 
 void TestBackupFaults::isWholeWhenKilled()
