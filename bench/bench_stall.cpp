@@ -1,7 +1,10 @@
 // How long the main thread is away from its events while Form I-912 is saved and printed.
+#include "AppModel.h"
 #include "FormPrint.h"
 #include "MainWindow.h"
 #include "Measure.h"
+#include "QSDesktop.h"
+#include "QSInfo.h"
 #include "QSSetup.h"
 #include "RealForms.h"
 #include "Samples.h"
@@ -12,6 +15,8 @@
 #include <QPrinter>
 #include <QTemporaryDir>
 #include <QTimer>
+
+#include <functional>
 
 using namespace Qt::Literals::StringLiterals;
 using namespace std::chrono_literals;
