@@ -528,7 +528,8 @@ bool AppModel::closeEverything()
         return answer != Answer::cancel;
     };
     if (!settled(m_openPDF && m_openPDF->hasUnsavedChanges(),
-                 m_openPDF ? m_openPDF->form().title : QString(), [this] { return saveForm(); }) ||
+                 m_openPDF ? m_openPDF->form().title : QString(),
+                 [this] { return saveForm() && !m_openPDF->hasUnsavedChanges(); }) ||
         !settled(m_editing && m_editing->hasUnsavedChanges(),
                  m_editing ? m_editing->document().title : QString(),
                  [this] { return saveEdited(); }) ||

@@ -515,7 +515,9 @@ bool AppModel::closeForm()
     }
     if (m_openPDF->hasUnsavedChanges()) {
         const Answer answer = askToSave(m_openPDF->form().title);
-        if (answer == Answer::cancel || (answer == Answer::save && !saveForm())) {
+        // What is typed while the copy is made is not in it.
+        const bool saved = answer == Answer::save && saveForm() && !m_openPDF->hasUnsavedChanges();
+        if (answer != Answer::dontSave && !saved) {
             return false;
         }
     }

@@ -76,6 +76,19 @@ private Q_SLOTS:
         QVERIFY(m_model->saveForm());
         QVERIFY(!m_model->openPDF()->hasUnsavedChanges());
         QCOMPARE(m_model->filledPDFs()->size(), 1);
+
+        // the same while it is saved to be closed: what was typed last is not lost with it
+        for (const auto close : {&AppModel::closeForm, &AppModel::closeEverything}) {
+            type(u"Rosa D."_s);
+            m_desktop->answers = {save};
+            m_desktop->whileAsking = [&] {
+                QTimer::singleShot(0, m_model.get(), [&] { type(u"Rosa Delgado Ruiz"_s); });
+            };
+            QVERIFY(!(m_model.get()->*close)());
+            QVERIFY(m_model->openPDF()->hasUnsavedChanges());
+            QCOMPARE(m_model->openPDF()->document().value(0).text, u"Rosa Delgado Ruiz"_s);
+            QVERIFY(m_model->saveForm());
+        }
         QVERIFY(m_model->closeForm());
     }
 
