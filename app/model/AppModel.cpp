@@ -518,6 +518,9 @@ void AppModel::openDocument(qint64 id)
 bool AppModel::closeEverything()
 {
     Q_EMIT editsWanted();
+    if (m_saving) {
+        return false;
+    }
     // Every question comes before anything is dropped, so that a late "Cancel" cancels it all.
     std::vector<std::function<bool()>> saves;
     const auto settled = [&](bool unsaved, const QString &name, const std::function<bool()> &save) {

@@ -513,6 +513,9 @@ bool AppModel::closeForm()
     if (!m_openPDF) {
         return true;
     }
+    if (m_saving) { // whoever saves it goes on with it
+        return false;
+    }
     if (m_openPDF->hasUnsavedChanges()) {
         const Answer answer = askToSave(m_openPDF->form().title);
         // What is typed while the copy is made is not in it.

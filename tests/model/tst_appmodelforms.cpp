@@ -89,6 +89,14 @@ private Q_SLOTS:
             QCOMPARE(m_model->openPDF()->document().value(0).text, u"Rosa Delgado Ruiz"_s);
             QVERIFY(m_model->saveForm());
         }
+
+        // nor is a form taken away that is saved once more without a change
+        QTimer::singleShot(0, m_model.get(), [&] {
+            QVERIFY(!m_model->closeForm());
+            QVERIFY(!m_model->closeEverything());
+        });
+        QVERIFY(m_model->saveForm());
+        QVERIFY(m_model->openPDF());
         QVERIFY(m_model->closeForm());
     }
 
